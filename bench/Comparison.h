@@ -1,0 +1,9 @@
+#pragma once
+
+namespace zarvik::bench {
+
+/// Measures all pages on both sides by turns, so that the machine's other work meets both alike, and prints
+/// the medians beside their targets. Throws std::runtime_error if something could not be measured.
+void compareSides(int rounds, double seconds);
+
+}  // namespace zarvik::bench

@@ -1,0 +1,86 @@
+#include "Pages.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace zarvik::bench {
+
+namespace {
+
+std::string document(const std::string& head, const std::string& body) {
+    return "<!DOCTYPE html><html><head><meta charset=\"utf-8\"><style>"
+           "html,body{margin:0;width:100%;height:100%;overflow:hidden;background:#204870}"
+           "body{color:#fff;font:24px sans-serif}" +
+           head + "</style></head><body>" + body + "</body></html>";
+}
+
+// Elements that move, turn, fade and change their colour all over the page.
+std::string elementsPage() {
+    std::string body;
+    for (int i = 0; i < 8; ++i) {
+        const auto number = std::to_string(i);
+        body += "<div class=\"" + std::string(i % 2 == 0 ? "slide" : "turn") +
+                "\" style=\"left:" + std::to_string(60 + 150 * i) + "px;top:" + std::to_string(60 + 70 * i) +
+                "px;animation-delay:-0." + number + "s\">" + number + "</div>";
+    }
+    return document(
+        "div{position:absolute;width:90px;height:90px;border-radius:16px;background:#e0a030;text-align:"
+        "center}"
+        ".slide{animation:slide 1.6s linear infinite alternate}"
+        ".turn{animation:turn 1.2s linear infinite}"
+        "@keyframes slide{to{transform:translate(40px,-50px);opacity:.4}}"
+        "@keyframes turn{to{transform:rotate(360deg);background:#c03060}}",
+        body);
+}
+
+// Every frame repaints all of the page but its corner.
+std::string canvasPage() {
+    return document("canvas{display:block}", R"html(<canvas></canvas><script>
+var canvas = document.querySelector('canvas'), context = canvas.getContext('2d');
+canvas.width = innerWidth;
+canvas.height = innerHeight;
+var count = 0;
+function frame() {
+    ++count;
+    context.fillStyle = 'hsl(' + count % 360 + ',60%,40%)';
+    context.fillRect(0, 0, canvas.width, canvas.height);
+    context.fillStyle = '#fff';
+    for (var i = 0; i < 40; ++i) {
+        context.fillRect((i * 97 + count * 3) % canvas.width, (i * 53 + count) % canvas.height, 60, 24);
+    }
+    context.fillStyle = '#204870';
+    context.fillRect(0, 0, 8, 8);
+    requestAnimationFrame(frame);
+}
+frame();
+</script>)html");
+}
+
+std::string stillPage() {
+    std::string body = "<h1 style=\"margin:60px\">Nothing moves here</h1>";
+    for (int i = 0; i < 12; ++i) {
+        body += "<p style=\"margin:12px 60px\">A line of text that was painted once.</p>";
+    }
+    return document("", body);
+}
+
+}  // namespace
+
+const std::array<PageText, 3>& pages() {
+    static const std::array<PageText, 3> texts{{{Page::elements, "elements", "CSS animation", elementsPage()},
+                                                {Page::canvas, "canvas", "whole-page canvas", canvasPage()},
+                                                {Page::still, "still", "still page", stillPage()}}};
+    return texts;
+}
+
+const PageText& textOf(Page page) {
+    return *std::ranges::find(pages(), page, &PageText::page);
+}
+
+void expectCorner(const std::array<std::uint8_t, 4>& pixel) {
+    if (pixel != cornerPixel) {
+        throw std::runtime_error("The picture is not that of the page.");
+    }
+}
+
+}  // namespace zarvik::bench

@@ -1,0 +1,103 @@
+#include "SideProcess.h"
+
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <system_error>
+#include <vector>
+
+#include "Sides.h"
+
+namespace zarvik::bench {
+
+namespace {
+
+/// For starting, loading and ending, on a busy machine.
+constexpr unsigned patienceSeconds = 60;
+
+struct FileClose {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+// A file and not a pipe, whose other end the browser's processes could keep open.
+using OutputFile = std::unique_ptr<std::FILE, FileClose>;
+
+/// Runs this program with its standard output in the file, and returns the status as of waitpid.
+int run(const std::vector<std::string>& options, std::FILE* output) {
+    std::vector<char*> arguments{program_invocation_name};
+    for (const auto& option : options) {
+        arguments.push_back(const_cast<char*>(option.c_str()));
+    }
+    arguments.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, fileno(output), STDOUT_FILENO);
+    pid_t pid = 0;
+    const int error = posix_spawn(&pid, "/proc/self/exe", &actions, nullptr, arguments.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) {
+        throw std::system_error(error, std::generic_category(), "Starting a process");
+    }
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    return status;
+}
+
+std::string contentsOf(std::FILE* file) {
+    std::string text;
+    std::array<char, 256> part{};
+    std::rewind(file);
+    while (const auto length = std::fread(part.data(), 1, part.size(), file)) {
+        text.append(part.data(), length);
+    }
+    return text;
+}
+
+std::string describeEnd(int status) {
+    if (!WIFSIGNALED(status)) {
+        return "its process failed";  // and has said why
+    }
+    return WTERMSIG(status) == SIGALRM ? "its process hung"
+                                       : "its process died of signal " + std::to_string(WTERMSIG(status));
+}
+
+}  // namespace
+
+const char* nameOf(Side side) {
+    return side == Side::library ? "library" : "bare";
+}
+
+void runSide(Side side, const PageText& page, double seconds) {
+    alarm(static_cast<unsigned>(seconds) + patienceSeconds);  // ends this process if it hangs
+    const std::chrono::duration<double> window(seconds);
+    std::cout << (side == Side::library ? measureLibrary(page, window) : measureBareLoop(page, window))
+              << std::flush;
+}
+
+Measurement measureInProcess(Side side, const PageText& page, double seconds) {
+    const OutputFile output(std::tmpfile());
+    if (!output) {
+        throw std::system_error(errno, std::generic_category(), "Making a temporary file");
+    }
+    const int status = run(
+        {"--side", nameOf(side), "--page", page.option, "--seconds", std::to_string(seconds)}, output.get());
+    Measurement measurement;
+    std::istringstream line(contentsOf(output.get()));
+    if (status != 0 || !(line >> measurement)) {
+        throw std::runtime_error(std::string(page.title) + ", " + nameOf(side) +
+                                 " side: " + (status != 0 ? describeEnd(status) : "it gave no figures"));
+    }
+    return measurement;
+}
+
+}  // namespace zarvik::bench

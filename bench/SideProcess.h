@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Measurement.h"
+#include "Pages.h"
+
+namespace zarvik::bench {
+
+enum class Side { library, bare };
+
+/// As the option --side spells it.
+const char* nameOf(Side side);
+
+/// Measures in a process of its own: this program with the option --side. Throws std::runtime_error, naming
+/// what was measured, if that process fails or hangs.
+Measurement measureInProcess(Side side, const PageText& page, double seconds);
+
+/// What that process does: measures and prints the figures.
+void runSide(Side side, const PageText& page, double seconds);
+
+}  // namespace zarvik::bench

@@ -1,0 +1,43 @@
+#include <csignal>
+#include <cstdio>
+#include <exception>
+
+#include "Player.h"
+
+namespace {
+
+constexpr int exitFailure = 1;
+constexpr int exitInterrupted = 130;
+
+void interruptOn(int signal) {
+    struct sigaction action{};
+    action.sa_handler = [](int) { zarvik::player::Player::interrupt(); };
+    action.sa_flags = SA_RESETHAND;  // a second one ends the program at once
+    sigaction(signal, &action, nullptr);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const auto options = zarvik::player::parseOptions(argc, argv);
+    if (const int* exitCode = std::get_if<int>(&options)) {
+        return *exitCode;
+    }
+    interruptOn(SIGINT);
+    interruptOn(SIGTERM);
+    try {
+        const auto& chosen = std::get<zarvik::player::Options>(options);
+        zarvik::player::Player player(chosen);
+        if (chosen.window) {
+            player.runInWindow();
+        } else {
+            player.runHeadless();
+        }
+    } catch (const zarvik::player::Interrupted&) {
+        return exitInterrupted;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "zarvik-player: %s\n", error.what());
+        return exitFailure;
+    }
+    return 0;
+}

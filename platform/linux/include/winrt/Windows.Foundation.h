@@ -1,0 +1,69 @@
+#pragma once
+
+#include <winrt/base.h>
+
+namespace winrt::Windows::Foundation {
+
+
+struct Point {
+    float X;
+    float Y;
+    friend bool operator==(Point const&, Point const&) = default;
+};
+
+struct Rect {
+    float X;
+    float Y;
+    float Width;
+    float Height;
+    friend bool operator==(Rect const&, Rect const&) = default;
+};
+
+template <typename Sender, typename Arguments>
+struct TypedEventHandler : delegate<Sender, Arguments> {
+    using delegate<Sender, Arguments>::delegate;
+};
+
+/// An asynchronous operation without a result.
+struct IAsyncAction : IInspectable {
+    WINRT_LINUX_HANDLE(IAsyncAction, IInspectable)
+
+    auto operator co_await() const {
+        return impl::async_awaiter<void>{std::static_pointer_cast<impl::async_object<void>>(implementation)};
+    }
+};
+
+/// An asynchronous operation with a result of type T.
+template <typename T>
+struct IAsyncOperation : IInspectable {
+    WINRT_LINUX_HANDLE(IAsyncOperation, IInspectable)
+
+    auto operator co_await() const {
+        return impl::async_awaiter<T>{std::static_pointer_cast<impl::async_object<T>>(implementation)};
+    }
+};
+
+/// An absolute URI. Throws E_INVALIDARG for a text that is none.
+struct Uri : IInspectable {
+    explicit Uri(param::hstring const& uri);
+    WINRT_LINUX_HANDLE(Uri, IInspectable)
+
+    hstring AbsoluteUri() const;
+    hstring RawUri() const;
+    hstring SchemeName() const;
+    hstring Host() const;
+    hstring Path() const;
+    hstring Query() const;
+};
+
+}  // namespace winrt::Windows::Foundation
+
+template <typename... Arguments>
+struct std::coroutine_traits<winrt::Windows::Foundation::IAsyncAction, Arguments...> {
+    using promise_type = winrt::impl::async_promise<winrt::Windows::Foundation::IAsyncAction, void>;
+};
+
+template <typename T, typename... Arguments>
+struct std::coroutine_traits<winrt::Windows::Foundation::IAsyncOperation<T>, Arguments...> {
+    using promise_type = winrt::impl::async_promise<winrt::Windows::Foundation::IAsyncOperation<T>, T>;
+};

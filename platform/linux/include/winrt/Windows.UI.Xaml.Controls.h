@@ -1,0 +1,113 @@
+#pragma once
+
+#include <winrt/Windows.Storage.Streams.h>
+#include <winrt/Windows.UI.Xaml.h>
+#include <winrt/Windows.Web.Http.h>
+#include <winrt/Windows.Web.h>
+
+namespace winrt::Windows::UI::Xaml::Controls {
+
+/// The children of a panel.
+struct UIElementCollection : Foundation::IInspectable {
+    WINRT_LINUX_HANDLE(UIElementCollection, IInspectable)
+
+    bool IndexOf(UIElement const& value, uint32_t& index) const;
+    void Append(UIElement const& value) const;
+    void RemoveAt(uint32_t index) const;
+};
+
+struct Panel : FrameworkElement {
+    WINRT_LINUX_HANDLE(Panel, FrameworkElement)
+
+    UIElementCollection Children() const;
+};
+
+enum class WebViewPermissionType : int32_t { Geolocation = 0, Media = 2, PointerLock = 3, WebNotifications = 4 };
+
+struct WebViewPermissionRequest : Foundation::IInspectable {
+    WINRT_LINUX_HANDLE(WebViewPermissionRequest, IInspectable)
+
+    WebViewPermissionType PermissionType() const;
+    void Allow() const;
+    void Deny() const;
+};
+
+struct WebViewPermissionRequestedEventArgs : Foundation::IInspectable {
+    WINRT_LINUX_HANDLE(WebViewPermissionRequestedEventArgs, IInspectable)
+
+    WebViewPermissionRequest PermissionRequest() const;
+};
+
+struct WebViewNavigationStartingEventArgs : Foundation::IInspectable {
+    WINRT_LINUX_HANDLE(WebViewNavigationStartingEventArgs, IInspectable)
+
+    Foundation::Uri Uri() const;
+    void Cancel(bool value) const;
+};
+
+struct WebViewContentLoadingEventArgs : Foundation::IInspectable {
+    WINRT_LINUX_HANDLE(WebViewContentLoadingEventArgs, IInspectable)
+};
+
+struct WebViewDOMContentLoadedEventArgs : Foundation::IInspectable {
+    WINRT_LINUX_HANDLE(WebViewDOMContentLoadedEventArgs, IInspectable)
+};
+
+struct WebViewNavigationCompletedEventArgs : Foundation::IInspectable {
+    WINRT_LINUX_HANDLE(WebViewNavigationCompletedEventArgs, IInspectable)
+
+    bool IsSuccess() const;
+    Web::WebErrorStatus WebErrorStatus() const;
+};
+
+struct WebViewNewWindowRequestedEventArgs : Foundation::IInspectable {
+    WINRT_LINUX_HANDLE(WebViewNewWindowRequestedEventArgs, IInspectable)
+
+    Foundation::Uri Uri() const;
+    void Handled(bool value) const;
+};
+
+struct WebViewSettings : Foundation::IInspectable {
+    WINRT_LINUX_HANDLE(WebViewSettings, IInspectable)
+
+    void IsIndexedDBEnabled(bool value) const;
+};
+
+/// A browser view. Navigation events tell of the top document only, never of its frames or of moves within
+/// the document, and always in the order starting, content loading, DOM content loaded, completed. A
+/// navigation that another one replaces is completed as cancelled before the other one starts.
+struct WebView : FrameworkElement {
+    WebView();
+    WINRT_LINUX_HANDLE(WebView, FrameworkElement)
+
+    template <typename Arguments>
+    using handler = Foundation::TypedEventHandler<WebView, Arguments>;
+
+    event_token NavigationStarting(handler<WebViewNavigationStartingEventArgs> const& handler) const;
+    event_token ContentLoading(handler<WebViewContentLoadingEventArgs> const& handler) const;
+    event_token DOMContentLoaded(handler<WebViewDOMContentLoadedEventArgs> const& handler) const;
+    event_token NavigationCompleted(handler<WebViewNavigationCompletedEventArgs> const& handler) const;
+    event_token NewWindowRequested(handler<WebViewNewWindowRequestedEventArgs> const& handler) const;
+    event_token PermissionRequested(handler<WebViewPermissionRequestedEventArgs> const& handler) const;
+
+    WebViewSettings Settings() const;
+    bool CanGoBack() const;
+    bool CanGoForward() const;
+
+    void Navigate(Foundation::Uri const& source) const;
+    void NavigateToString(param::hstring const& text) const;
+    void NavigateWithHttpRequestMessage(Web::Http::HttpRequestMessage const& requestMessage) const;
+    void GoBack() const;
+    void GoForward() const;
+    void Refresh() const;
+    void Stop() const;
+
+    /// Writes a picture of the view into the stream, with the timing of RenderTargetBitmap.
+    Foundation::IAsyncAction CapturePreviewToStreamAsync(
+        Storage::Streams::IRandomAccessStream const& stream) const;
+
+    /// Deletes what web views have stored: cache, cookies, databases.
+    static Foundation::IAsyncAction ClearTemporaryWebDataAsync();
+};
+
+}  // namespace winrt::Windows::UI::Xaml::Controls

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <unknwn.h>
+
+namespace winrt {
+
+using guid = ::GUID;
+
+}  // namespace winrt

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <gio/gio.h>
+
+#include <winrt/Windows.Web.h>
+
+namespace runtime {
+
+/// What the browser engine's error means in the platform's terms.
+winrt::Windows::Web::WebErrorStatus error_status(GError const& error);
+winrt::Windows::Web::WebErrorStatus error_status(GTlsCertificateFlags certificate_errors);
+
+/// Whether the error says that the load was given up, not that it failed.
+bool is_cancellation(GError const& error);
+
+}  // namespace runtime

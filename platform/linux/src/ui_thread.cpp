@@ -1,0 +1,248 @@
+#include "ui_thread.h"
+
+#include <gtk/gtk.h>
+#include <pthread.h>
+
+#include <condition_variable>
+#include <cstdlib>
+#include <future>
+#include <thread>
+
+namespace runtime {
+
+namespace {
+
+thread_local bool current = false;
+std::atomic<ui_thread*> started{nullptr};
+
+/// A one-shot signal that outlives both the side that waits and the side that ends.
+struct completion {
+    void set() {
+        std::lock_guard guard(lock);
+        finished = true;
+        changed.notify_all();
+    }
+    bool wait_for(std::chrono::milliseconds bound) {
+        std::unique_lock guard(lock);
+        return changed.wait_for(guard, bound, [&] { return finished.load(); });
+    }
+
+    std::mutex lock;
+    std::condition_variable changed;
+    std::atomic<bool> finished = false;
+};
+
+GSource* make_queue_source(ui_thread* thread, void (*run)(ui_thread*)) {
+    struct queue_source {
+        GSource base;
+        ui_thread* thread;
+        void (*run)(ui_thread*);
+    };
+    static GSourceFuncs functions = {
+        .prepare = nullptr,
+        .check = nullptr,
+        .dispatch =
+            [](GSource* source, GSourceFunc, gpointer) -> gboolean {
+            auto* queue = reinterpret_cast<queue_source*>(source);
+            queue->run(queue->thread);
+            return G_SOURCE_CONTINUE;
+        },
+        .finalize = nullptr,
+        .closure_callback = nullptr,
+        .closure_marshal = nullptr,
+    };
+    GSource* source = g_source_new(&functions, sizeof(queue_source));
+    reinterpret_cast<queue_source*>(source)->thread = thread;
+    reinterpret_cast<queue_source*>(source)->run = run;
+    g_source_set_can_recurse(source, TRUE);
+    return source;
+}
+
+void initialise_gtk() {
+    gtk_disable_setlocale();  // the locale is the host's
+    if (!gtk_init_check(nullptr, nullptr)) {
+        throw winrt::hresult_error(E_FAIL, L"GTK cannot open a display. Is DISPLAY set?");
+    }
+}
+
+}  // namespace
+
+ui_thread& ui_thread::instance() {
+    // Never destroyed: other threads post until the very end, and a failed start may still be under way.
+    static ui_thread* const thread = [] {
+        auto* created = new ui_thread();
+        created->start();
+        return created;
+    }();
+    return *thread;
+}
+
+ui_thread* ui_thread::running() noexcept {
+    return started.load();
+}
+
+bool ui_thread::is_current() noexcept {
+    return current;
+}
+
+void ui_thread::require_current() {
+    if (!current) {
+        throw winrt::hresult_error(RPC_E_WRONG_THREAD);
+    }
+}
+
+void ui_thread::start() {
+    source = make_queue_source(this, [](ui_thread* thread) { thread->run_next(); });
+    g_source_attach(source, g_main_context_default());
+    try {
+        start_own_thread();
+    } catch (...) {
+        g_source_destroy(source);
+        g_source_unref(source);
+        throw;
+    }
+    started.store(this);
+    std::atexit([] { started.load()->park_at_exit(); });
+}
+
+void ui_thread::start_own_thread() {
+    auto ready = std::make_shared<std::promise<bool>>();
+    std::thread([this, ready] {
+        pthread_setname_np(pthread_self(), "user-interface");
+        if (!g_main_context_acquire(g_main_context_default())) {
+            ready->set_value(false);
+            return;
+        }
+        try {
+            initialise_gtk();
+        } catch (...) {
+            g_main_context_release(g_main_context_default());
+            ready->set_exception(std::current_exception());
+            return;
+        }
+        become_current();
+        ready->set_value(true);
+        while (true) {
+            g_main_context_iteration(g_main_context_default(), TRUE);
+        }
+    }).detach();
+    if (!ready->get_future().get()) {
+        adopt_host_thread();
+    }
+}
+
+void ui_thread::adopt_host_thread() {
+    auto ready = std::make_shared<std::promise<void>>();
+    auto answer = ready->get_future();
+    post([this, ready] {
+        try {
+            initialise_gtk();
+            become_current();
+            ready->set_value();
+        } catch (...) {
+            ready->set_exception(std::current_exception());
+        }
+    });
+    if (answer.wait_for(patience) != std::future_status::ready) {
+        throw winrt::hresult_error(E_FAIL,
+                                   L"Another thread owns the default main context and does not run it; either run "
+                                   L"it there or leave it to this library.");
+    }
+    answer.get();
+}
+
+void ui_thread::become_current() {
+    current = true;
+}
+
+void ui_thread::post(std::function<void()> work) {
+    std::lock_guard guard(lock);
+    queue.push_back(std::move(work));
+    if (held == 0) {
+        g_source_set_ready_time(source, 0);
+    }
+}
+
+void ui_thread::run_next() {
+    std::function<void()> work;
+    {
+        std::lock_guard guard(lock);
+        if (held == 0 && !queue.empty()) {
+            work = std::move(queue.front());
+            queue.pop_front();
+        }
+        g_source_set_ready_time(source, held == 0 && !queue.empty() ? next_turn() : -1);
+    }
+    if (work) {
+        work();
+    }
+}
+
+/// When the next piece of work may run: at once, but after a busy stretch the loop gets a moment for what has
+/// a lower priority than the queue, such as painting and the page processes' messages.
+int64_t ui_thread::next_turn() {
+    constexpr int64_t longest_stretch_us = 4000;
+    constexpr int64_t break_us = 500;
+    auto const now = g_get_monotonic_time();
+    if (now - last_break < longest_stretch_us) {
+        return 0;
+    }
+    last_break = now;
+    return now + break_us;
+}
+
+bool ui_thread::wait_for(std::function<void(std::function<void()> finished)> start,
+                         std::chrono::milliseconds bound) {
+    auto ending = std::make_shared<completion>();
+    auto finished = [ending] { ending->set(); };
+    if (is_current()) {
+        start(finished);
+        run_nested_until(ending->finished, bound);
+        return ending->finished;
+    }
+    post([start = std::move(start), finished] { start(finished); });
+    return ending->wait_for(bound);
+}
+
+void ui_thread::run_nested_until(std::atomic<bool> const& finished, std::chrono::milliseconds bound) {
+    {
+        std::lock_guard guard(lock);
+        ++held;
+    }
+    bool expired = false;
+    // The timer also wakes the context for endings that are reported from another thread.
+    auto const deadline = std::chrono::steady_clock::now() + bound;
+    guint const timer = g_timeout_add(
+        10, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    while (!finished && !expired) {
+        g_main_context_iteration(g_main_context_default(), TRUE);
+        expired = std::chrono::steady_clock::now() >= deadline;
+    }
+    g_source_remove(timer);
+    std::lock_guard guard(lock);
+    if (--held == 0) {
+        g_source_set_ready_time(source, queue.empty() ? -1 : 0);
+    }
+}
+
+/// Keeps the thread still while the process's static objects go away: WebKit and GTK would use some of them.
+void ui_thread::park_at_exit() {
+    if (is_current()) {
+        return;
+    }
+    auto parked = std::make_shared<completion>();
+    post([parked] {
+        parked->set();
+        while (true) {
+            std::this_thread::sleep_for(std::chrono::hours(1));
+        }
+    });
+    parked->wait_for(std::chrono::milliseconds(1000));
+}
+
+void ui_deleter::operator()(winrt::impl::object* object) const noexcept {
+    // Always in a turn of its own: the last reference may go in the middle of one of the object's own calls.
+    ui_thread::instance().post([object] { delete object; });
+}
+
+}  // namespace runtime

@@ -1,0 +1,203 @@
+#include "view_surface.h"
+
+#include <algorithm>
+
+#include "ui_thread.h"
+
+namespace runtime {
+
+namespace {
+
+struct cairo_objects {
+    cairo_surface_t* surface;
+    cairo_t* context;
+
+    cairo_objects(uint8_t* pixels, int32_t width, int32_t height)
+        : surface(cairo_image_surface_create_for_data(pixels, CAIRO_FORMAT_ARGB32, width, height, width * 4)),
+          context(cairo_create(surface)) {}
+    ~cairo_objects() {
+        cairo_destroy(context);
+        cairo_surface_destroy(surface);
+    }
+    cairo_objects(cairo_objects const&) = delete;
+    cairo_objects& operator=(cairo_objects const&) = delete;
+};
+
+/// How many pictures are kept for reuse: one that the receiver still shows, one to paint the next into.
+constexpr size_t kept_canvases = 2;
+
+}  // namespace
+
+view_surface::canvas::canvas(int32_t width, int32_t height)
+    : pixels(new uint8_t[static_cast<size_t>(width) * static_cast<size_t>(height) * 4]()),
+      width(width),
+      height(height) {
+    // Everything is stale at first, whatever the widget's size is.
+    cairo_rectangle_int_t const everything{0, 0, 1 << 20, 1 << 20};
+    stale = cairo_region_create_rectangle(&everything);
+}
+
+view_surface::canvas::~canvas() {
+    cairo_region_destroy(stale);
+}
+
+view_surface::view_surface(GtkWidget* widget) : widget(widget) {
+    draw_handler = g_signal_connect(widget, "draw", G_CALLBACK(on_draw), this);
+}
+
+view_surface::~view_surface() {
+    g_signal_handler_disconnect(widget, draw_handler);
+    if (timer) {
+        g_source_remove(timer);
+    }
+    for (auto const& request : requests) {
+        request.deliver({});
+    }
+}
+
+void view_surface::set_offscreen(bool value) {
+    offscreen = value;
+    frame_waiting = true;
+}
+
+void view_surface::request(int32_t width, int32_t height, receiver deliver) {
+    requests.push_back({width, height, std::move(deliver), g_get_monotonic_time()});
+    bool const empty = width <= 0 || height <= 0;  // nothing will ever be composed
+    if (!empty && (frame_waiting || !latest || latest->width != width || latest->height != height)) {
+        answer_waiting();
+    } else if (!timer) {
+        timer = g_timeout_add(
+            patience_ms / 4,
+            [](gpointer self) -> gboolean {
+                static_cast<view_surface*>(self)->answer_expired();
+                return static_cast<view_surface*>(self)->timer != 0;
+            },
+            this);
+    }
+}
+
+gboolean view_surface::on_draw(GtkWidget*, cairo_t* context, gpointer data) {
+    auto* const self = static_cast<view_surface*>(data);
+    if (self->painting) {
+        return GDK_EVENT_PROPAGATE;
+    }
+    self->note_damage(context);
+    self->frame_waiting = true;
+    if (!self->requests.empty()) {
+        self->answer_waiting();
+    }
+    return self->offscreen ? GDK_EVENT_STOP : GDK_EVENT_PROPAGATE;
+}
+
+void view_surface::note_damage(cairo_t* context) {
+    auto* const rectangles = cairo_copy_clip_rectangle_list(context);
+    for (auto const& entry : canvases) {
+        if (rectangles->status != CAIRO_STATUS_SUCCESS) {
+            cairo_rectangle_int_t const everything{0, 0, 1 << 20, 1 << 20};
+            cairo_region_union_rectangle(entry->stale, &everything);
+            continue;
+        }
+        for (int i = 0; i < rectangles->num_rectangles; ++i) {
+            auto const& damage = rectangles->rectangles[i];
+            cairo_rectangle_int_t const area{static_cast<int>(damage.x), static_cast<int>(damage.y),
+                                             static_cast<int>(damage.width + 1), static_cast<int>(damage.height + 1)};
+            cairo_region_union_rectangle(entry->stale, &area);
+        }
+    }
+    cairo_rectangle_list_destroy(rectangles);
+}
+
+void view_surface::answer_waiting() {
+    frame_waiting = false;
+    for (auto& request : std::exchange(requests, {})) {
+        // The receiver may do anything, so it gets its picture when GTK's frame is over.
+        ui_thread::instance().post([result = compose(request.width, request.height),
+                                    deliver = std::move(request.deliver)] { deliver(result); });
+    }
+}
+
+void view_surface::answer_expired() {
+    auto const now = g_get_monotonic_time();
+    auto const expired = [&](waiting const& request) { return now - request.since >= patience_ms * 1000; };
+    if (std::any_of(requests.begin(), requests.end(), expired)) {
+        answer_waiting();
+    }
+    if (requests.empty()) {
+        timer = 0;
+    }
+}
+
+picture view_surface::compose(int32_t width, int32_t height) {
+    if (width <= 0 || height <= 0) {
+        return {};
+    }
+    bool const unchanged =
+        latest && latest->width == width && latest->height == height && cairo_region_is_empty(latest->stale);
+    if (!unchanged) {
+        latest = writable_canvas(width, height);
+        paint(*latest);
+    }
+    return lend(latest);
+}
+
+/// Memory that nobody reads: the latest picture itself when it was never lent, another one otherwise.
+std::shared_ptr<view_surface::canvas> view_surface::writable_canvas(int32_t width, int32_t height) {
+    std::erase_if(canvases, [&](auto const& entry) { return entry->width != width || entry->height != height; });
+    auto const free = [](auto const& entry) { return entry->loans.load(std::memory_order_acquire) == 0; };
+    if (latest && free(latest) && std::find(canvases.begin(), canvases.end(), latest) != canvases.end()) {
+        return latest;
+    }
+    if (auto const found = std::find_if(canvases.begin(), canvases.end(), free); found != canvases.end()) {
+        return *found;
+    }
+    if (canvases.size() >= kept_canvases) {
+        canvases.erase(canvases.begin());  // goes when its last reader is done
+    }
+    canvases.push_back(std::make_shared<canvas>(width, height));
+    return canvases.back();
+}
+
+picture view_surface::lend(std::shared_ptr<canvas> const& lender) {
+    auto pixels = lender->loan.lock();
+    if (!pixels) {
+        // A count, for the last reader's release may still be under way when the next loan begins.
+        lender->loans.fetch_add(1, std::memory_order_relaxed);
+        pixels = std::shared_ptr<uint8_t>(lender->pixels.get(), [lender = lender](uint8_t*) mutable {
+            // The weak reference in the canvas keeps this function alive, so it must let go of the canvas.
+            auto const canvas = std::move(lender);
+            canvas->loans.fetch_sub(1, std::memory_order_release);
+        });
+        lender->loan = pixels;
+    }
+    return {lender->width, lender->height, std::move(pixels)};
+}
+
+void view_surface::paint(canvas& target) {
+    // A size that was asked for since the last frame has to arrive first: GTK draws only what is laid out.
+    gtk_container_check_resize(GTK_CONTAINER(gtk_widget_get_toplevel(widget)));
+    cairo_objects const cairo(target.pixels.get(), target.width, target.height);
+    auto const allocated_width = gtk_widget_get_allocated_width(widget);
+    auto const allocated_height = gtk_widget_get_allocated_height(widget);
+    int requested_width = -1;
+    int requested_height = -1;
+    gtk_widget_get_size_request(widget, &requested_width, &requested_height);
+    double const scale_x = requested_width > 0 ? static_cast<double>(target.width) / requested_width : 1;
+    double const scale_y = requested_height > 0 ? static_cast<double>(target.height) / requested_height : 1;
+    cairo_scale(cairo.context, scale_x, scale_y);
+    gdk_cairo_region(cairo.context, target.stale);
+    cairo_clip(cairo.context);
+    cairo_set_operator(cairo.context, CAIRO_OPERATOR_SOURCE);
+    cairo_set_source_rgba(cairo.context, 0, 0, 0, 0);
+    if (allocated_width * scale_x < target.width || allocated_height * scale_y < target.height) {
+        cairo_paint(cairo.context);  // what the widget does not cover yet
+    }
+    cairo_set_operator(cairo.context, CAIRO_OPERATOR_OVER);
+    painting = true;
+    gtk_widget_draw(widget, cairo.context);
+    painting = false;
+    cairo_surface_flush(cairo.surface);
+    cairo_region_destroy(target.stale);
+    target.stale = cairo_region_create();
+}
+
+}  // namespace runtime

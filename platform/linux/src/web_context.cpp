@@ -1,0 +1,57 @@
+#include "web_context.h"
+
+#include <cstring>
+
+#include "glib_ptr.h"
+#include "ui_thread.h"
+
+namespace runtime {
+
+namespace {
+
+gobject_ptr<WebKitWebsiteDataManager> make_data_manager() {
+    // Like an app's own folder: what the program's web views store belongs to that program.
+    char const* const name = g_get_prgname() ? g_get_prgname() : "webview";
+    glib_text const data(g_build_filename(g_get_user_data_dir(), name, "webview", nullptr));
+    glib_text const cache(g_build_filename(g_get_user_cache_dir(), name, "webview", nullptr));
+    return gobject_ptr<WebKitWebsiteDataManager>::adopt(webkit_website_data_manager_new(
+        "base-data-directory", data.get(), "base-cache-directory", cache.get(), nullptr));
+}
+
+void configure_sandbox(WebKitWebContext* context) {
+    char const* const choice = g_getenv("WEBVIEW_SANDBOX");
+    if (choice && std::strcmp(choice, "off") == 0) {
+        g_warning("WEBVIEW_SANDBOX=off: web pages run with all rights of this user.");
+        return;
+    }
+    webkit_web_context_set_sandbox_enabled(context, TRUE);
+}
+
+void persist_cookies(WebKitWebsiteDataManager* manager) {
+    glib_text const file(g_build_filename(webkit_website_data_manager_get_base_data_directory(manager),
+                                          "cookies.sqlite", nullptr));
+    webkit_cookie_manager_set_persistent_storage(webkit_website_data_manager_get_cookie_manager(manager), file.get(),
+                                                 WEBKIT_COOKIE_PERSISTENT_STORAGE_SQLITE);
+}
+
+}  // namespace
+
+WebKitWebContext* web_context() {
+    ui_thread::require_current();
+    static WebKitWebContext* const context = [] {
+        auto const manager = make_data_manager();
+        WebKitWebContext* const created = webkit_web_context_new_with_website_data_manager(manager.get());
+        configure_sandbox(created);
+        persist_cookies(manager.get());
+        // A download has no place to go to; the navigation that turned into one has failed.
+        g_signal_connect(created, "download-started",
+                         G_CALLBACK(+[](WebKitWebContext*, WebKitDownload* download, gpointer) {
+                             webkit_download_cancel(download);
+                         }),
+                         nullptr);
+        return created;
+    }();
+    return context;
+}
+
+}  // namespace runtime

@@ -1,0 +1,193 @@
+#include "web_view.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+#include "native_window.h"
+#include "user_agent.h"
+#include "web_context.h"
+#include "web_view_arguments.h"
+
+namespace runtime {
+
+namespace {
+
+/// Surfaces have bounds: no side beyond what graphics devices take, and no more memory than a picture is worth.
+constexpr int largest_side = 16384;
+constexpr int64_t largest_area = int64_t{1} << 26;
+
+/// All live views, for settings of the whole process.
+std::set<web_view_object*>& live_views() {
+    static auto* const views = new std::set<web_view_object*>();
+    return *views;
+}
+
+void apply_user_agent(WebKitSettings* settings, std::string const& text) {
+    webkit_settings_set_user_agent(settings, text.empty() ? nullptr : text.c_str());
+}
+
+void follow_user_agent() {
+    static bool const following = [] {
+        set_user_agent_listener([](std::string const& text) {
+            ui_thread::instance().post([text] {
+                for (auto const* view : live_views()) {
+                    apply_user_agent(view->settings(), text);
+                }
+            });
+        });
+        return true;
+    }();
+    static_cast<void>(following);
+}
+
+void add_script(WebKitUserContentManager* manager, char const* source, WebKitUserContentInjectedFrames frames,
+                char const* world) {
+    auto* const script =
+        world ? webkit_user_script_new_for_world(source, frames, WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, world,
+                                                 nullptr, nullptr)
+              : webkit_user_script_new(source, frames, WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, nullptr, nullptr);
+    webkit_user_content_manager_add_script(manager, script);
+    webkit_user_script_unref(script);
+}
+
+gobject_ptr<WebKitUserContentManager> make_content_manager() {
+    auto manager = gobject_ptr<WebKitUserContentManager>::adopt(webkit_user_content_manager_new());
+    webkit_user_content_manager_register_script_message_handler_in_world(
+        manager.get(), navigation_tracker::handler, navigation_tracker::world);
+    add_script(manager.get(), navigation_tracker::script, WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,
+               navigation_tracker::world);
+    add_script(manager.get(), navigation_tracker::hiding_script, WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES, nullptr);
+    return manager;
+}
+
+gobject_ptr<WebKitSettings> make_settings() {
+    auto settings = gobject_ptr<WebKitSettings>::adopt(webkit_settings_new());
+    // Without a graphics processor the engine's own painting into memory is by far the cheapest.
+    webkit_settings_set_hardware_acceleration_policy(settings.get(), WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+    webkit_settings_set_javascript_can_open_windows_automatically(settings.get(), TRUE);
+    webkit_settings_set_enable_media_stream(settings.get(), TRUE);
+    apply_user_agent(settings.get(), user_agent());
+    return settings;
+}
+
+GtkWidget* make_widget() {
+    auto const manager = make_content_manager();
+    auto const settings = make_settings();
+    return GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", web_context(), "user-content-manager",
+                                   manager.get(), "settings", settings.get(), nullptr));
+}
+
+WebKitFeature* find_feature(char const* identifier) {
+    static auto* const features = webkit_settings_get_all_features();
+    for (gsize i = 0; i < webkit_feature_list_get_length(features); ++i) {
+        auto* const feature = webkit_feature_list_get(features, i);
+        if (g_strcmp0(webkit_feature_get_identifier(feature), identifier) == 0) {
+            return feature;
+        }
+    }
+    throw winrt::hresult_error(E_NOTIMPL, winrt::to_hstring(std::string("The browser engine lacks ") + identifier));
+}
+
+/// A side's length within the bounds, beside the other side.
+int bounded(double length, int other_side = 1) {
+    double const longest = std::min<double>(largest_side, static_cast<double>(largest_area / other_side));
+    return std::isnan(length) ? 1 : static_cast<int>(std::clamp(length, 1.0, longest));
+}
+
+}  // namespace
+
+web_view_object::web_view_object() {
+    ui_thread::require_current();
+    follow_user_agent();
+    widget = gobject_ptr<GtkWidget>::share(make_widget());
+    offscreen_window = gobject_ptr<GtkWidget>::share(gtk_offscreen_window_new());
+    set_feature("NavigationAPI", true);
+    surface.emplace(widget.get());
+    tracker.emplace(view(), tracker_events());
+    answer_engine_requests(*this);
+    gtk_widget_set_size_request(widget.get(), 1, 1);
+    gtk_container_add(GTK_CONTAINER(offscreen_window.get()), widget.get());
+    gtk_widget_show_all(offscreen_window.get());
+    live_views().insert(this);
+}
+
+web_view_object::~web_view_object() {
+    live_views().erase(this);
+    tracker.reset();
+    surface.reset();
+    g_signal_handlers_disconnect_by_data(widget.get(), this);
+    retire_view(std::move(widget), std::move(offscreen_window));
+}
+
+void web_view_object::arrange() {
+    int const wide = bounded(width);
+    int const high = bounded(height, wide);
+    gtk_widget_set_size_request(widget.get(), wide, high);
+
+    auto const place = locate();
+    auto& window = native_window::instance();
+    auto const area = window.size();
+    bool const on_screen = place.visible && place.x < area.width && place.y < area.height && place.x + wide > 0 &&
+                           place.y + high > 0;
+    auto* const offscreen = offscreen_window.get();
+    bool const was_on_screen = gtk_widget_get_parent(widget.get()) != offscreen;
+    if (on_screen) {
+        if (!was_on_screen) {
+            gtk_container_remove(GTK_CONTAINER(offscreen), widget.get());
+        }
+        window.place(widget.get(), static_cast<int>(place.x), static_cast<int>(place.y));
+    } else if (was_on_screen) {
+        window.remove(widget.get());
+        gtk_container_add(GTK_CONTAINER(offscreen), widget.get());
+    }
+    surface->set_offscreen(!on_screen);
+    gtk_widget_set_visible(widget.get(), visibility == winrt::Windows::UI::Xaml::Visibility::Visible);
+}
+
+void web_view_object::navigate(std::string const& uri, std::function<void()> const& load) {
+    if (!tracker->begin(uri)) {
+        return;
+    }
+    std::string const current = webkit_web_view_get_uri(view()) ? webkit_web_view_get_uri(view()) : "";
+    auto const fragment = uri.find('#');
+    if (fragment != std::string::npos && current.substr(0, current.find('#')) == uri.substr(0, fragment)) {
+        tracker->expect_move_within_document();
+    }
+    load();
+}
+
+void web_view_object::stop() {
+    webkit_web_view_stop_loading(view());
+    tracker->cancel();
+}
+
+void web_view_object::request_picture(int32_t wanted_width, int32_t wanted_height, view_surface::receiver deliver) {
+    bool const empty = wanted_width <= 0 || wanted_height <= 0;
+    int const wide = empty ? 0 : bounded(wanted_width);
+    surface->request(wide, empty ? 0 : bounded(wanted_height, wide), std::move(deliver));
+}
+
+void web_view_object::set_feature(char const* identifier, bool enabled) {
+    webkit_settings_set_feature_enabled(settings(), find_feature(identifier), enabled);
+}
+
+bool web_view_object::raise_starting(std::string const& uri) {
+    auto const arguments = std::make_shared<navigation_starting_arguments>(uri);
+    raise(navigation_starting, *this, arguments);
+    return !arguments->cancel;
+}
+
+navigation_tracker::events web_view_object::tracker_events() {
+    return {
+        .starting = [this](auto const& uri) { return raise_starting(uri); },
+        .content_loading = [this] { raise(content_loading, *this, std::make_shared<plain_arguments>()); },
+        .dom_content_loaded = [this] { raise(dom_content_loaded, *this, std::make_shared<plain_arguments>()); },
+        .completed =
+            [this](auto error) {
+                raise(navigation_completed, *this, std::make_shared<navigation_completed_arguments>(error));
+            },
+    };
+}
+
+}  // namespace runtime

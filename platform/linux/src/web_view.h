@@ -1,0 +1,55 @@
+#pragma once
+
+#include <webkit2/webkit2.h>
+
+#include "element_tree.h"
+#include "glib_ptr.h"
+#include "navigation_tracker.h"
+#include "view_surface.h"
+
+namespace runtime {
+
+/// The implementation of the WebView control: a browser widget, which lives in an offscreen window of its own
+/// while nothing visible hosts it and in the app's window otherwise. User-interface thread only.
+struct web_view_object : ui_element_object {
+    using web_view = winrt::Windows::UI::Xaml::Controls::WebView;
+    template <typename Arguments>
+    using event = winrt::event<web_view::handler<Arguments>>;
+
+    web_view_object();
+    ~web_view_object() override;
+
+    void arrange() override;
+
+    void navigate(std::string const& uri, std::function<void()> const& load);
+    void stop();
+    void request_picture(int32_t width, int32_t height, view_surface::receiver deliver);
+
+    WebKitWebView* view() const { return WEBKIT_WEB_VIEW(widget.get()); }
+    WebKitSettings* settings() const { return webkit_web_view_get_settings(view()); }
+    void set_feature(char const* identifier, bool enabled);
+
+    event<winrt::Windows::UI::Xaml::Controls::WebViewNavigationStartingEventArgs> navigation_starting;
+    event<winrt::Windows::UI::Xaml::Controls::WebViewContentLoadingEventArgs> content_loading;
+    event<winrt::Windows::UI::Xaml::Controls::WebViewDOMContentLoadedEventArgs> dom_content_loaded;
+    event<winrt::Windows::UI::Xaml::Controls::WebViewNavigationCompletedEventArgs> navigation_completed;
+    event<winrt::Windows::UI::Xaml::Controls::WebViewNewWindowRequestedEventArgs> new_window_requested;
+    event<winrt::Windows::UI::Xaml::Controls::WebViewPermissionRequestedEventArgs> permission_requested;
+
+  private:
+    navigation_tracker::events tracker_events();
+    bool raise_starting(std::string const& uri);
+
+    gobject_ptr<GtkWidget> widget;
+    gobject_ptr<GtkWidget> offscreen_window;
+    std::optional<view_surface> surface;
+    std::optional<navigation_tracker> tracker;
+};
+
+/// Answers what the engine asks of an application: dialogs, choosers, permissions, new windows.
+void answer_engine_requests(web_view_object& owner);
+
+/// Ends a browser widget whose owner is gone.
+void retire_view(gobject_ptr<GtkWidget> widget, gobject_ptr<GtkWidget> offscreen_window);
+
+}  // namespace runtime

@@ -1,0 +1,93 @@
+// What the engine asks of an application. Every question is answered at once: an open dialog would block the
+// page, its scripts and its loads.
+
+#include <string_view>
+
+#include "web_view.h"
+#include "web_view_arguments.h"
+
+namespace runtime {
+
+using winrt::Windows::UI::Xaml::Controls::WebViewPermissionType;
+
+namespace {
+
+GtkWidget* on_create(WebKitWebView*, WebKitNavigationAction* action, gpointer data) {
+    std::string_view const uri = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
+    if (!uri.empty() && !uri.starts_with("javascript:")) {
+        auto& owner = *static_cast<web_view_object*>(data);
+        raise(owner.new_window_requested, owner, std::make_shared<new_window_arguments>(std::string(uri)));
+    }
+    return nullptr;  // no window of our own, whether a handler loads the page elsewhere or not
+}
+
+std::optional<WebViewPermissionType> permission_type(WebKitPermissionRequest* request) {
+    if (WEBKIT_IS_GEOLOCATION_PERMISSION_REQUEST(request)) {
+        return WebViewPermissionType::Geolocation;
+    }
+    if (WEBKIT_IS_USER_MEDIA_PERMISSION_REQUEST(request) || WEBKIT_IS_DEVICE_INFO_PERMISSION_REQUEST(request)) {
+        return WebViewPermissionType::Media;
+    }
+    if (WEBKIT_IS_POINTER_LOCK_PERMISSION_REQUEST(request)) {
+        return WebViewPermissionType::PointerLock;
+    }
+    if (WEBKIT_IS_NOTIFICATION_PERMISSION_REQUEST(request)) {
+        return WebViewPermissionType::WebNotifications;
+    }
+    return std::nullopt;
+}
+
+gboolean on_permission(WebKitWebView*, WebKitPermissionRequest* engine_request, gpointer data) {
+    auto& owner = *static_cast<web_view_object*>(data);
+    bool allowed = false;
+    if (auto const type = permission_type(engine_request)) {
+        auto const request = std::make_shared<permission_request>(*type);
+        raise(owner.permission_requested, owner, std::make_shared<permission_arguments>(request));
+        allowed = request->allowed;
+    }
+    if (allowed) {
+        webkit_permission_request_allow(engine_request);
+    } else {
+        webkit_permission_request_deny(engine_request);
+    }
+    return TRUE;
+}
+
+gboolean on_dialog(WebKitWebView*, WebKitScriptDialog* dialog, gpointer) {
+    if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
+        webkit_script_dialog_confirm_set_confirmed(dialog, TRUE);  // a page cannot hold the view
+    }
+    return TRUE;
+}
+
+gboolean on_file_chooser(WebKitWebView*, WebKitFileChooserRequest* request, gpointer) {
+    webkit_file_chooser_request_cancel(request);
+    return TRUE;
+}
+
+gboolean on_option_menu(WebKitWebView*, WebKitOptionMenu* menu, GdkEvent*, GdkRectangle*, gpointer) {
+    webkit_option_menu_close(menu);
+    return TRUE;
+}
+
+}  // namespace
+
+void answer_engine_requests(web_view_object& owner) {
+    auto* const view = owner.view();
+    g_signal_connect(view, "create", G_CALLBACK(on_create), &owner);
+    g_signal_connect(view, "permission-request", G_CALLBACK(on_permission), &owner);
+    g_signal_connect(view, "script-dialog", G_CALLBACK(on_dialog), &owner);
+    g_signal_connect(view, "run-file-chooser", G_CALLBACK(on_file_chooser), &owner);
+    g_signal_connect(view, "show-option-menu", G_CALLBACK(on_option_menu), &owner);
+    g_signal_connect(view, "context-menu", G_CALLBACK(gtk_true), &owner);
+    g_signal_connect(view, "print", G_CALLBACK(gtk_true), &owner);
+    g_signal_connect(view, "enter-fullscreen", G_CALLBACK(gtk_true), &owner);
+    g_signal_connect(view, "authenticate", G_CALLBACK(+[](WebKitWebView*, WebKitAuthenticationRequest* request,
+                                                          gpointer) -> gboolean {
+                         webkit_authentication_request_cancel(request);
+                         return TRUE;
+                     }),
+                     &owner);
+}
+
+}  // namespace runtime

@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Runs clang-tidy over the sources of a finished build, two at a time.
+#   lint.sh [BUILD_FOLDER]     default: build/linux
+# A source is looked at again only when its object file or the configuration is newer than its last clean result, since
+# the build knows which headers a source depends on.
+set -euo pipefail
+# shellcheck source=scripts/common.sh
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+build="${1:-$root/build/linux}"
+
+# Prints source and result file of every source of ours that needs a look, each ended by a NUL.
+outdated() {
+    local source object result
+    sed -nE 's/^  "(file|output)": "(.*)",?$/\2/p' "$build/compile_commands.json" |
+        while IFS= read -r source && IFS= read -r object; do
+            case "$source" in
+                "$root"/build/*) continue ;;
+                "$root"/*) ;;
+                *) continue ;;
+            esac
+            result="$build/lint/$object.clean"
+            [ "$result" -nt "$build/$object" ] && [ "$result" -nt "$root/.clang-tidy" ] ||
+                printf '%s\0%s\0' "$source" "$result"
+        done
+}
+
+# shellcheck disable=SC2016 # The inner shell expands these.
+outdated | xargs -0 -r -n 2 -P 2 bash -c '
+    if output=$(clang-tidy-19 -p "$0" --quiet "$1" 2>&1); then
+        mkdir -p "$(dirname "$2")" && touch "$2"
+    else
+        printf "%s\n" "$output"
+        exit 1
+    fi' "$build"

@@ -1,0 +1,108 @@
+#include "exports/Exceptions.h"
+#include "exports/HostChannel.h"
+#include "offscreen/LogTexts.h"
+#include "offscreen/PageRenderer.h"
+#include "offscreen/UwpWebView3D.h"
+#include "webview/Numbers.h"
+
+using xaml::Media::Imaging::RenderTargetBitmap;
+
+namespace {
+
+constexpr std::int32_t largestBitmap = 4096;
+
+/// How long a loop that cannot capture leaves the UI thread alone before its next attempt.
+constexpr std::chrono::milliseconds pauseUntilReady{16};
+constexpr std::chrono::milliseconds pauseAfterFailure{100};
+
+}  // namespace
+
+bool fitsBitmapCapture(std::int32_t width, std::int32_t height, const foundation::Rect& visibleBounds) {
+    return width <= largestBitmap && width <= truncate(visibleBounds.Width) && height <= largestBitmap &&
+           height <= truncate(visibleBounds.Height);
+}
+
+void UwpWebView3D::startCaptureLoop() {
+    launch("capturing the page", captureLoop());
+}
+
+/// Decides whether the loop takes another picture.
+bool UwpWebView3D::startStep() {
+    if (destroyed) {
+        captureLoopRunning = false;
+        loopStopped.set();
+        return false;
+    }
+    captureLoopRunning = renderingEnabled;
+    return captureLoopRunning;
+}
+
+/// One picture after the other, at the rate that capturing achieves, until rendering is disabled or the view
+/// destroyed. Enabling the rendering again while a capture is in progress starts a second loop beside it.
+foundation::IAsyncAction UwpWebView3D::captureLoop() {
+    const auto self = shared_from_this();
+    while (startStep()) {
+        bool failed = false;
+        try {
+            foundation::IAsyncAction capture{nullptr};
+            frameTimer.tick([&] { capture = captureFrame(); });
+            co_await capture;
+            lastCaptureFailure.clear();
+        } catch (...) {
+            reportCaptureFailure(currentExceptionText());
+            failed = true;
+        }
+        if (failed) {
+            co_await pauseOnUIThread(pauseAfterFailure);
+        }
+    }
+}
+
+foundation::IAsyncAction UwpWebView3D::captureFrame() {
+    const bool bitmap = usesBitmapCapture() && fitsBitmapCapture(getWidth(), getHeight(), visibleBounds);
+    return bitmap ? captureBitmap() : capturePreview();
+}
+
+foundation::IAsyncAction UwpWebView3D::captureBitmap() {
+    const auto self = shared_from_this();
+    const RenderTargetBitmap bitmap;
+    const auto pixels = co_await renderPage(bitmap, webView, getWidth(), getHeight());
+    publishFrame(std::make_shared<const PixelFrame>(bitmap.PixelWidth(), bitmap.PixelHeight(), pixels));
+}
+
+foundation::IAsyncAction UwpWebView3D::capturePreview() {
+    const auto self = shared_from_this();
+    if (!domContentLoaded) {
+        co_await pauseOnUIThread(pauseUntilReady);
+        co_return;
+    }
+    const streams::InMemoryRandomAccessStream stream;
+    co_await webView.CapturePreviewToStreamAsync(stream);
+    const auto decoder = co_await imaging::BitmapDecoder::CreateAsync(stream);
+    const auto provider = co_await decoder.GetPixelDataAsync(
+        imaging::BitmapPixelFormat::Bgra8, imaging::BitmapAlphaMode::Premultiplied,
+        imaging::BitmapTransform(), imaging::ExifOrientationMode::IgnoreExifOrientation,
+        imaging::ColorManagementMode::DoNotColorManage);
+    publishFrame(std::make_shared<const PixelFrame>(static_cast<std::int32_t>(decoder.PixelWidth()),
+                                                    static_cast<std::int32_t>(decoder.PixelHeight()),
+                                                    provider.DetachPixelData()));
+}
+
+void UwpWebView3D::publishFrame(std::shared_ptr<const PixelFrame> frame) {
+    const bool unchanged = publishedFrame && publishedFrame->bytes.data() == frame->bytes.data() &&
+                           publishedFrame->bytes.size() == frame->bytes.size();
+    if (destroyed || (!publishUnchanged.exchange(false) && unchanged)) {
+        return;
+    }
+    publishedFrame = frame;
+    // A frame that was never uploaded is dropped, after unlocking.
+    const std::lock_guard lock(frameMutex);
+    pendingFrame.swap(frame);
+}
+
+void UwpWebView3D::reportCaptureFailure(const std::string& text) {
+    if (!destroyed && text != lastCaptureFailure) {
+        logError(log_texts::captureFailed + text);
+        lastCaptureFailure = text;
+    }
+}

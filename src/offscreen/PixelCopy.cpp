@@ -1,0 +1,53 @@
+#include "offscreen/PixelCopy.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+/// Calls copyRow(row, bytes) for the rows that both the source and a target of this size have, with the bytes
+/// that exist of each.
+template <typename CopyRow>
+void forEachRow(const PixelView& source, std::size_t targetWidth, std::size_t targetHeight, CopyRow copyRow) {
+    const std::size_t sourceWidth = std::max(source.width, 0);
+    const std::size_t sourceHeight = std::max(source.height, 0);
+    const std::size_t rowBytes = std::min(sourceWidth, targetWidth) * bytesPerPixel;
+    const std::size_t rows = std::min(sourceHeight, targetHeight);
+    for (std::size_t row = 0; row < rows; ++row) {
+        const std::size_t offset = row * sourceWidth * bytesPerPixel;
+        if (offset >= source.bytes.size()) {
+            return;
+        }
+        copyRow(row, source.bytes.subspan(offset, std::min(rowBytes, source.bytes.size() - offset)));
+    }
+}
+
+}  // namespace
+
+void copyToTexture(const PixelView& source, std::uint8_t* texture, std::uint32_t rowPitch,
+                   std::uint32_t textureWidth, std::uint32_t textureHeight) {
+    const std::size_t textureBytes = std::size_t{textureWidth} * textureHeight * bytesPerPixel;
+    // The pitch is in bytes and the width in pixels; a driver that reports the one as the other, or nothing,
+    // has no padding.
+    if ((rowPitch == textureWidth || rowPitch == 0) && source.bytes.size() == textureBytes) {
+        std::memcpy(texture, source.bytes.data(), textureBytes);
+        return;
+    }
+    forEachRow(source, textureWidth, textureHeight,
+               [&](std::size_t row, std::span<const std::uint8_t> bytes) {
+                   std::memcpy(texture + row * rowPitch, bytes.data(), bytes.size());
+               });
+}
+
+std::vector<std::uint8_t> fitPixels(const PixelView& source, std::int32_t width, std::int32_t height,
+                                    RowOrder order) {
+    const std::size_t targetWidth = std::max(width, 0);
+    const std::size_t targetHeight = std::max(height, 0);
+    const std::size_t targetRowBytes = targetWidth * bytesPerPixel;
+    std::vector<std::uint8_t> target(targetRowBytes * targetHeight);
+    forEachRow(source, targetWidth, targetHeight, [&](std::size_t row, std::span<const std::uint8_t> bytes) {
+        const std::size_t targetRow = order == RowOrder::topDown ? row : targetHeight - 1 - row;
+        std::memcpy(target.data() + targetRow * targetRowBytes, bytes.data(), bytes.size());
+    });
+    return target;
+}

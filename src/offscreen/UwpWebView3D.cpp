@@ -1,0 +1,114 @@
+#include "offscreen/UwpWebView3D.h"
+
+#include <algorithm>
+
+#include "webview/Numbers.h"
+
+using winrt::Windows::UI::ViewManagement::ApplicationView;
+
+namespace {
+
+/// Far to the right of anything visible.
+constexpr std::int32_t offscreenX = 10000;
+
+constexpr float zoomStep = 0.1F;
+constexpr float lowestZoomFactor = 0.1F;
+
+}  // namespace
+
+UwpWebView3D::UwpWebView3D(std::string messageTargetName, std::int32_t width, std::int32_t height,
+                           bool alwaysCapturePreview)
+    : UwpWebView(std::move(messageTargetName)),
+      alwaysCapturePreview(alwaysCapturePreview),
+      width(width),
+      height(height) {}
+
+void UwpWebView3D::start() {
+    UwpWebView::start(offscreenX, 0, width, height);
+    postControlStep(*this, "start", [](UwpWebView3D& view) {
+        view.visibleBounds = ApplicationView::GetForCurrentView().VisibleBounds();
+        view.applySize();
+    });
+}
+
+void UwpWebView3D::resize(std::int32_t newWidth, std::int32_t newHeight) {
+    width = newWidth;
+    height = newHeight;
+    postApplySize();
+}
+
+// The control stays off the screen.
+void UwpWebView3D::setRect(std::int32_t, std::int32_t, std::int32_t, std::int32_t) {}
+void UwpWebView3D::setVisible(bool) {}
+
+void UwpWebView3D::setRenderingEnabled(bool enabled) {
+    if (!renderingEnabled.exchange(enabled) && enabled) {
+        postControlStep(*this, "setRenderingEnabled", [](UwpWebView3D& view) { view.startCaptureLoop(); });
+    }
+}
+
+void UwpWebView3D::zoomIn() {
+    zoomFactor = std::max(zoomFactor - zoomStep, lowestZoomFactor);
+    postApplySize();
+}
+
+void UwpWebView3D::zoomOut() {
+    zoomFactor = zoomFactor + zoomStep;
+    postApplySize();
+}
+
+std::int32_t UwpWebView3D::scale(std::int32_t value) const {
+    return truncate(zoomFactor * static_cast<float>(value));
+}
+
+std::int32_t UwpWebView3D::getHeight() const {
+    return scale(height);
+}
+
+std::int32_t UwpWebView3D::getWidth() const {
+    return scale(width);
+}
+
+void UwpWebView3D::domContentLoadedStep() {
+    UwpWebView::domContentLoadedStep();
+    // A loop that runs already serves the next page too.
+    if (!captureLoopRunning) {
+        startCaptureLoop();
+    }
+}
+
+foundation::IAsyncAction UwpWebView3D::teardown() {
+    const auto self = shared_from_this();
+    if (captureLoopRunning) {
+        co_await loopStopped;
+    }
+    co_await UwpWebView::teardown();
+}
+
+bool UwpWebView3D::usesBitmapCapture() const {
+    return !alwaysCapturePreview;
+}
+
+void UwpWebView3D::postApplySize() {
+    postControlStep(*this, "resize", [](UwpWebView3D& view) { view.applySize(); });
+}
+
+void UwpWebView3D::applySize() {
+    const std::int32_t scaledWidth = getWidth();
+    const std::int32_t scaledHeight = getHeight();
+    webView.Width(scaledWidth);
+    webView.Height(scaledHeight);
+
+    EngineTexture made = createEngineTexture(scaledWidth, scaledHeight);
+    if (!made.texture) {
+        return;
+    }
+    {
+        // The references replaced leave with `made`, after unlocking. A view that was never announced is
+        // then gone; an announced one is the engine's.
+        const std::lock_guard lock(textureMutex);
+        std::swap(texture, made.texture);
+        std::swap(textureToAnnounce, made.view);
+    }
+    publishUnchanged = true;
+}

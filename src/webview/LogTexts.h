@@ -1,0 +1,25 @@
+#pragma once
+
+/// The log lines of the web view. Those that end in a blank are followed by details.
+namespace log_texts {
+
+inline constexpr const char* exceptionOnUIThread = "An exception occurred on the UI thread. ";
+inline constexpr const char* exceptionWhile = "An exception occurred while ";
+inline constexpr const char* noControl = " was ignored, because the native webview couldn't be created.";
+
+inline constexpr const char* noHostPanel = "Unable to add the WebView instance to the XAML tree.";
+inline constexpr const char* parentIsNoPanel =
+    "Couldn't remove the native webview from the XAML tree because its parent isn't a panel.";
+inline constexpr const char* zoomInDisabled =
+    "IWebView.ZoomIn() was called, but ZoomIn() is disabled when running in native 2D mode.";
+inline constexpr const char* zoomOutDisabled =
+    "IWebView.ZoomOut() was called, but ZoomOut() is disabled when running in native 2D mode.";
+inline constexpr const char* noSavedWindowContent =
+    "UwpWebView::handleMixedRealityAppFocusChanged is unable to restore the window content because it is "
+    "null";
+
+inline constexpr const char* loadFailed = "Page load failed with WebErrorStatus: ";
+inline constexpr const char* cannotLoadUrl = "Cannot load the URL ";
+inline constexpr const char* invalidHeader = "The following header is invalid and will be ignored: ";
+
+}  // namespace log_texts

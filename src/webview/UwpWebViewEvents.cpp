@@ -1,0 +1,87 @@
+#include "exports/HostChannel.h"
+#include "exports/HostMessages.h"
+#include "exports/ProcessSettings.h"
+#include "local_content/LocalContent.h"
+#include "webview/LogTexts.h"
+#include "webview/NavigationRules.h"
+#include "webview/UwpWebView.h"
+
+using controls::WebViewPermissionType;
+
+/// A delegate that leads to the handler as long as the instance is alive. No failure goes back to the
+/// platform, which would end the process.
+template <typename Arguments>
+auto UwpWebView::whileAlive(void (UwpWebView::*handler)(const Arguments&)) {
+    return [weak = weak_from_this(), handler](const controls::WebView&, const Arguments& arguments) {
+        const auto self = weak.lock();
+        if (!self || self->destroyed) {
+            return;
+        }
+        try {
+            (self.get()->*handler)(arguments);
+        } catch (...) {
+            logUIThreadException();
+        }
+    };
+}
+
+void UwpWebView::subscribeToEvents(const controls::WebView& control) {
+    // Never revoked: the subscriptions go with the control, and the control with the instance.
+    control.NavigationStarting(whileAlive(&UwpWebView::onNavigationStarting));
+    control.ContentLoading(whileAlive(&UwpWebView::onContentLoading));
+    control.DOMContentLoaded(whileAlive(&UwpWebView::onDOMContentLoaded));
+    control.NavigationCompleted(whileAlive(&UwpWebView::onNavigationCompleted));
+    control.NewWindowRequested(whileAlive(&UwpWebView::onNewWindowRequested));
+    control.PermissionRequested(whileAlive(&UwpWebView::onPermissionRequested));
+}
+
+void UwpWebView::onNavigationStarting(const controls::WebViewNavigationStartingEventArgs& arguments) {
+    loadPending = true;
+    // A page given as text has no URL on Windows.
+    const auto uri = arguments.Uri();
+    const std::string url = uri ? winrt::to_string(uri.AbsoluteUri()) : "about:blank";
+    if (isPdfUrl(url) && !url.starts_with("ms-local-stream:")) {
+        arguments.Cancel(true);
+        local_content::loadPdf(*this, url);
+        return;
+    }
+    sendMessage(messages::messageEmitted, urlChangedMessage(url));
+    sendMessage(messages::loadStarted, "");
+}
+
+void UwpWebView::onContentLoading(const controls::WebViewContentLoadingEventArgs&) {
+    sendMessage(messages::loadProgressUpdate, "0.33");
+}
+
+void UwpWebView::onDOMContentLoaded(const controls::WebViewDOMContentLoadedEventArgs&) {
+    domContentLoadedStep();
+}
+
+void UwpWebView::onNavigationCompleted(const controls::WebViewNavigationCompletedEventArgs& arguments) {
+    if (arguments.IsSuccess()) {
+        sendMessage(messages::loadFinished, "");
+    } else {
+        const auto status = static_cast<std::int32_t>(arguments.WebErrorStatus());
+        reportLoadFailure(log_texts::loadFailed + std::to_string(status));
+    }
+}
+
+void UwpWebView::onNewWindowRequested(const controls::WebViewNewWindowRequestedEventArgs& arguments) {
+    // Everything opens in this same web view.
+    arguments.Handled(true);
+    if (const auto uri = arguments.Uri()) {
+        webView.Navigate(uri);
+    }
+}
+
+void UwpWebView::onPermissionRequested(const controls::WebViewPermissionRequestedEventArgs& arguments) {
+    const auto request = arguments.PermissionRequest();
+    const auto type = request.PermissionType();
+    const bool allowed = (type == WebViewPermissionType::Geolocation && processSettings.geolocationEnabled) ||
+                         (type == WebViewPermissionType::Media && processSettings.cameraAndMicrophoneEnabled);
+    if (allowed) {
+        request.Allow();
+    } else {
+        request.Deny();
+    }
+}

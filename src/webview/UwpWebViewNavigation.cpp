@@ -1,0 +1,91 @@
+#include "exports/Exceptions.h"
+#include "exports/HostChannel.h"
+#include "exports/HostMessages.h"
+#include "local_content/LocalContent.h"
+#include "webview/LogTexts.h"
+#include "webview/NavigationRules.h"
+#include "webview/UwpWebView.h"
+
+namespace {
+
+const char* booleanText(bool value) {
+    return value ? "true" : "false";
+}
+
+http::HttpRequestMessage makeRequest(const std::string& url, const std::string& headerText) {
+    const auto [headers, invalidLines] = splitHeaders(headerText);
+    for (const std::string& line : invalidLines) {
+        logError(log_texts::invalidHeader + line);
+    }
+    http::HttpRequestMessage request(http::HttpMethod::Get(), foundation::Uri(winrt::to_hstring(url)));
+    for (const auto& [name, value] : headers) {
+        if (!request.Headers().TryAppendWithoutValidation(winrt::to_hstring(name),
+                                                          winrt::to_hstring(value))) {
+            logError(log_texts::invalidHeader + name + ": " + value);
+        }
+    }
+    return request;
+}
+
+}  // namespace
+
+template <typename Navigation>
+void UwpWebView::startLoad(const std::string& url, Navigation navigate) {
+    try {
+        navigate();
+    } catch (...) {
+        reportLoadFailure(log_texts::cannotLoadUrl + url + ". " + currentExceptionText());
+    }
+}
+
+void UwpWebView::loadUrl(std::string url) {
+    postControlStep(*this, "loadUrl", [url = std::move(url)](UwpWebView& view) {
+        if (isPdfUrl(url)) {
+            local_content::loadPdf(view, url);
+        } else if (url.starts_with("file:")) {
+            local_content::loadFile(view, url);
+        } else {
+            view.startLoad(url, [&] { view.webView.Navigate(foundation::Uri(winrt::to_hstring(url))); });
+        }
+    });
+}
+
+void UwpWebView::loadUrlWithHeaders(std::string url, std::string headers) {
+    postControlStep(*this, "loadUrlWithHeaders", [url = std::move(url), headers](UwpWebView& view) {
+        view.startLoad(url, [&] { view.webView.NavigateWithHttpRequestMessage(makeRequest(url, headers)); });
+    });
+}
+
+void UwpWebView::loadHtml(std::string html) {
+    postControlStep(*this, "loadHtml", [html = std::move(html)](UwpWebView& view) {
+        view.webView.NavigateToString(winrt::to_hstring(html));
+    });
+}
+
+void UwpWebView::goBack() {
+    postControlStep(*this, "goBack", [](UwpWebView& view) { view.webView.GoBack(); });
+}
+
+void UwpWebView::goForward() {
+    postControlStep(*this, "goForward", [](UwpWebView& view) { view.webView.GoForward(); });
+}
+
+void UwpWebView::reload() {
+    postControlStep(*this, "reload", [](UwpWebView& view) { view.webView.Refresh(); });
+}
+
+void UwpWebView::stopLoad() {
+    postControlStep(*this, "stopLoad", [](UwpWebView& view) { view.webView.Stop(); });
+}
+
+void UwpWebView::canGoBack() {
+    postControlStep(*this, "canGoBack", [](UwpWebView& view) {
+        view.sendMessage(messages::canGoBackResult, booleanText(view.webView.CanGoBack()));
+    });
+}
+
+void UwpWebView::canGoForward() {
+    postControlStep(*this, "canGoForward", [](UwpWebView& view) {
+        view.sendMessage(messages::canGoForwardResult, booleanText(view.webView.CanGoForward()));
+    });
+}

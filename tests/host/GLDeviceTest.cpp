@@ -1,0 +1,298 @@
+#include "zarvik/host/GLDevice.h"
+
+#include <d3d11.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "zarvik/host/RenderThread.h"
+#include "zarvik/host/Scene.h"
+#include "zarvik/host/SurfacelessContext.h"
+
+namespace {
+
+using zarvik::host::GLDevice;
+using zarvik::host::Image;
+using LiveObjects = GLDevice::LiveObjects;
+
+struct Release {
+    void operator()(IUnknown* object) const { object->Release(); }
+};
+template <typename Interface>
+using Reference = std::unique_ptr<Interface, Release>;
+
+constexpr D3D11_TEXTURE2D_DESC dynamicTexture(UINT width, UINT height) {
+    return {.Width = width,
+            .Height = height,
+            .MipLevels = 1,
+            .ArraySize = 1,
+            .Format = DXGI_FORMAT_B8G8R8A8_UNORM,
+            .SampleDesc = {.Count = 1, .Quality = 0},
+            .Usage = D3D11_USAGE_DYNAMIC,
+            .BindFlags = D3D11_BIND_SHADER_RESOURCE,
+            .CPUAccessFlags = D3D11_CPU_ACCESS_WRITE,
+            .MiscFlags = 0};
+}
+
+/// A picture in which every pixel differs from its neighbours and all channels count.
+Image pattern(int width, int height, int seed = 0) {
+    Image image(width, height);
+    for (std::size_t i = 0; i < image.pixels.size(); ++i) {
+        image.pixels[i] = static_cast<std::uint8_t>((i * 7 + i / 256 + static_cast<std::size_t>(seed)) % 251);
+    }
+    return image;
+}
+
+ULONG referencesOf(IUnknown& object) {
+    object.AddRef();
+    return object.Release();
+}
+
+class GLDeviceTest : public testing::Test {
+  protected:
+    GLDeviceTest() {
+        ID3D11DeviceContext* immediate = nullptr;
+        device().GetImmediateContext(&immediate);
+        context.reset(immediate);
+    }
+
+    ID3D11Device& device() { return *gl->device(); }
+
+    HRESULT create(const D3D11_TEXTURE2D_DESC& description) {
+        ID3D11Texture2D* made = nullptr;
+        const HRESULT result = device().CreateTexture2D(&description, nullptr, &made);
+        EXPECT_EQ(SUCCEEDED(result), made != nullptr);
+        texture.reset(made);
+        return result;
+    }
+
+    HRESULT createView() {
+        ID3D11ShaderResourceView* made = nullptr;
+        const HRESULT result = device().CreateShaderResourceView(texture.get(), nullptr, &made);
+        EXPECT_EQ(SUCCEEDED(result), made != nullptr);
+        view.reset(made);
+        return result;
+    }
+
+    HRESULT map(D3D11_MAPPED_SUBRESOURCE& mapped) {
+        return context->Map(texture.get(), 0, D3D11_MAP_WRITE_DISCARD, 0, &mapped);
+    }
+
+    /// Writes the picture row by row, at the distance given or else at the one that Map reports.
+    void write(const Image& image, std::size_t distance = 0) {
+        D3D11_MAPPED_SUBRESOURCE mapped{};
+        ASSERT_EQ(map(mapped), S_OK);
+        const std::size_t rowBytes = static_cast<std::size_t>(image.width) * 4;
+        for (int row = 0; row < image.height; ++row) {
+            std::memcpy(static_cast<std::byte*>(mapped.pData) + row * (distance ? distance : mapped.RowPitch),
+                        image.pixels.data() + row * rowBytes, rowBytes);
+        }
+        context->Unmap(texture.get(), 0);
+    }
+
+    Image read() {
+        return renderThread.run([this] {
+            gl->synchronize();
+            return gl->readPixels(*view);
+        });
+    }
+
+    std::unique_ptr<GLDevice> gl = std::make_unique<GLDevice>();
+    Reference<ID3D11DeviceContext> context;
+    Reference<ID3D11Texture2D> texture;
+    Reference<ID3D11ShaderResourceView> view;
+    zarvik::host::SurfacelessContext glContext;
+    zarvik::host::RenderThread renderThread{glContext, 0, [] {}};
+};
+
+TEST_F(GLDeviceTest, ReferencesKeepWhatTheyNeedAndNothingElse) {
+    const ULONG deviceReferences = referencesOf(device());
+    ASSERT_EQ(create(dynamicTexture(64, 32)), S_OK);
+    EXPECT_EQ(referencesOf(device()), deviceReferences + 1);
+    ASSERT_EQ(createView(), S_OK);
+    EXPECT_EQ(referencesOf(*texture), 2U);
+    EXPECT_EQ(gl->liveObjects(), (LiveObjects{1, 1}));
+
+    texture.reset();
+    EXPECT_EQ(gl->liveObjects(), (LiveObjects{1, 1}));
+    ID3D11Resource* resource = nullptr;
+    view->GetResource(&resource);
+    texture.reset(static_cast<ID3D11Texture2D*>(resource));
+    EXPECT_EQ(referencesOf(*texture), 2U);
+
+    view.reset();
+    EXPECT_EQ(gl->liveObjects(), (LiveObjects{1, 0}));
+    texture.reset();
+    EXPECT_EQ(gl->liveObjects(), (LiveObjects{0, 0}));
+    EXPECT_EQ(referencesOf(device()), deviceReferences);
+}
+
+TEST_F(GLDeviceTest, ATextureMayOutliveTheOwnerOfItsDevice) {
+    ASSERT_EQ(create(dynamicTexture(8, 8)), S_OK);
+    write(pattern(8, 8));
+    gl.reset();
+    ID3D11Device* kept = nullptr;
+    texture->GetDevice(&kept);
+    const Reference<ID3D11Device> owner(kept);
+    EXPECT_EQ(owner->GetFeatureLevel(), D3D_FEATURE_LEVEL_11_0);
+    EXPECT_EQ(referencesOf(*texture), 1U);  // none waits for an upload any more
+}
+
+TEST_F(GLDeviceTest, QueryInterfaceKnowsTheChainAndRefusesTheRest) {
+    ASSERT_EQ(create(dynamicTexture(4, 4)), S_OK);
+    for (const IID& id : {IID_IUnknown, IID_ID3D11DeviceChild, IID_ID3D11Resource, IID_ID3D11Texture2D}) {
+        void* object = nullptr;
+        EXPECT_EQ(texture->QueryInterface(id, &object), S_OK);
+        EXPECT_EQ(object, texture.get());
+        EXPECT_EQ(texture->Release(), 1U);
+    }
+    void* object = this;
+    EXPECT_EQ(texture->QueryInterface(IID_ID3D11Texture3D, &object), E_NOINTERFACE);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(referencesOf(*texture), 1U);
+}
+
+TEST_F(GLDeviceTest, RefusesWhatARealDeviceRefuses) {
+    const auto with = [](auto change) {
+        auto description = dynamicTexture(16, 16);
+        change(description);
+        return description;
+    };
+    EXPECT_EQ(create(with([](auto& d) { d.Width = 0; })), E_INVALIDARG);
+    EXPECT_EQ(create(with([](auto& d) { d.Height = GLDevice::maxTextureSize + 1; })), E_INVALIDARG);
+    EXPECT_EQ(create(with([](auto& d) { d.Height = static_cast<UINT>(-16); })), E_INVALIDARG);
+    EXPECT_EQ(create(with([](auto& d) { d.CPUAccessFlags = 0; })), E_INVALIDARG);
+    EXPECT_EQ(create(with([](auto& d) { d.Usage = D3D11_USAGE_DEFAULT; })), E_INVALIDARG);
+    EXPECT_EQ(create(with([](auto& d) { d.MipLevels = 0; })), E_INVALIDARG);
+    EXPECT_EQ(create(with([](auto& d) { d.SampleDesc.Count = 0; })), E_INVALIDARG);
+    EXPECT_EQ(create(with([](auto& d) { d.Format = DXGI_FORMAT_UNKNOWN; })), E_INVALIDARG);
+    EXPECT_EQ(create(with([](auto& d) { d.Format = DXGI_FORMAT_R32_FLOAT; })), E_NOTIMPL);
+    EXPECT_EQ(createView(), E_INVALIDARG);  // of no texture
+    EXPECT_EQ(device().CheckFormatSupport(DXGI_FORMAT_B8G8R8A8_UNORM, nullptr), E_NOTIMPL);
+
+    ASSERT_EQ(create(dynamicTexture(GLDevice::maxTextureSize, 1)), S_OK);
+    D3D11_MAPPED_SUBRESOURCE mapped{};
+    EXPECT_EQ(context->Map(texture.get(), 0, D3D11_MAP_READ, 0, &mapped), E_INVALIDARG);
+    EXPECT_EQ(context->Map(texture.get(), 1, D3D11_MAP_WRITE_DISCARD, 0, &mapped), E_INVALIDARG);
+    EXPECT_EQ(map(mapped), S_OK);
+    EXPECT_EQ(map(mapped), E_INVALIDARG);
+    context->Unmap(texture.get(), 0);
+    context->Unmap(texture.get(), 0);
+    EXPECT_EQ(map(mapped), S_OK);
+}
+
+TEST_F(GLDeviceTest, EveryRowPitchYieldsTheSamePixels) {
+    constexpr UINT width = 33;  // 132 bytes: far from any alignment
+    constexpr UINT rowBytes = width * 4;
+    const Image image = pattern(width, 9);
+    ASSERT_EQ(create(dynamicTexture(width, 9)), S_OK);
+    ASSERT_EQ(createView(), S_OK);
+
+    D3D11_MAPPED_SUBRESOURCE mapped{};
+    ASSERT_EQ(map(mapped), S_OK);
+    EXPECT_EQ(mapped.RowPitch, 256U);
+    context->Unmap(texture.get(), 0);
+    write(image);
+    EXPECT_EQ(read(), image);
+
+    struct Case {
+        std::uint32_t reported;
+        std::size_t layout;
+    };
+    constexpr std::array cases{Case{.reported = rowBytes, .layout = rowBytes},
+                               Case{.reported = rowBytes + 4, .layout = rowBytes + 4},
+                               Case{.reported = rowBytes + 1, .layout = rowBytes + 1},
+                               Case{.reported = width, .layout = rowBytes},
+                               Case{.reported = 0, .layout = rowBytes}};
+    for (const auto [reported, layout] : cases) {
+        SCOPED_TRACE(reported);
+        gl->setFaults({.rowPitch = [pitch = reported](std::uint32_t) { return pitch; }});
+        const Image next = pattern(width, 9, static_cast<int>(reported));
+        write(next, layout);
+        EXPECT_EQ(read(), next);
+    }
+}
+
+TEST_F(GLDeviceTest, FaultsFailTheCallsAndLeaveNothingBehind) {
+    constexpr auto deviceRemoved = static_cast<HRESULT>(0x887A0005U);
+    UINT askedWidth = 0;
+    gl->setFaults({.createTexture2D = [&](const D3D11_TEXTURE2D_DESC& description) {
+        askedWidth = description.Width;
+        return E_OUTOFMEMORY;
+    }});
+    EXPECT_EQ(create(dynamicTexture(21, 4)), E_OUTOFMEMORY);
+    EXPECT_EQ(askedWidth, 21U);
+
+    gl->setFaults({});
+    ASSERT_EQ(create(dynamicTexture(21, 4)), S_OK);
+    ASSERT_EQ(createView(), S_OK);
+    const Image image = pattern(21, 4);
+    write(image);
+    EXPECT_EQ(read(), image);
+
+    gl->setFaults({.createShaderResourceView = [] { return E_FAIL; }, .map = [] { return deviceRemoved; }});
+    D3D11_MAPPED_SUBRESOURCE mapped{};
+    EXPECT_EQ(map(mapped), deviceRemoved);
+    EXPECT_EQ(read(), image);
+    EXPECT_EQ(gl->textureState(*view).unmaps, 1U);
+    EXPECT_EQ(createView(), E_FAIL);
+    EXPECT_EQ(gl->liveObjects(), (LiveObjects{1, 0}));
+}
+
+TEST_F(GLDeviceTest, OtherThreadsMayCreateMapAndReleaseWhileTheRenderThreadUploads) {
+    const auto produce = [this] {
+        for (int i = 0; i < 50; ++i) {
+            const auto description = dynamicTexture(40, 30);
+            ID3D11Texture2D* made = nullptr;
+            ASSERT_EQ(device().CreateTexture2D(&description, nullptr, &made), S_OK);
+            const Reference<ID3D11Texture2D> own(made);
+            for (int frame = 0; frame < 3; ++frame) {
+                D3D11_MAPPED_SUBRESOURCE mapped{};
+                ASSERT_EQ(context->Map(made, 0, D3D11_MAP_WRITE_DISCARD, 0, &mapped), S_OK);
+                std::memset(mapped.pData, frame, mapped.RowPitch * std::size_t{30});
+                context->Unmap(made, 0);
+            }
+        }
+    };
+    std::array producers{std::jthread(produce), std::jthread(produce)};
+    for (int i = 0; i < 100; ++i) {
+        renderThread.run([this] { gl->synchronize(); });
+    }
+    for (auto& producer : producers) {
+        producer.join();
+    }
+    renderThread.run([this] { gl->synchronize(); });
+    EXPECT_EQ(gl->liveObjects(), (LiveObjects{0, 0}));
+}
+
+TEST_F(GLDeviceTest, TheSceneShowsPixelsInPlaceWithTrueColours) {
+    ASSERT_EQ(create(dynamicTexture(31, 17)), S_OK);
+    ASSERT_EQ(createView(), S_OK);
+    Image image = pattern(31, 17);
+    for (std::size_t alpha = 3; alpha < image.pixels.size(); alpha += 4) {
+        image.pixels[alpha] = 255;
+    }
+    write(image);
+    const Image drawn = renderThread.run([this] {
+        gl->synchronize();
+        const zarvik::host::Scene scene({.width = 62, .height = 20});
+        const std::array surfaces{
+            zarvik::host::Scene::Surface{
+                .glTexture = gl->glTexture(*view), .x = 31, .y = 0, .width = 31, .height = 17},
+        };
+        return scene.drawToImage(surfaces);
+    });
+    ASSERT_EQ(drawn.width, 62);
+    for (int y = 0; y < 20; ++y) {
+        for (int x = 0; x < 62; ++x) {
+            const bool inside = x >= 31 && y < 17;
+            ASSERT_EQ(drawn.at(x, y), inside ? image.at(x - 31, y) : Image::Pixel{}) << x << ", " << y;
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,114 @@
+// The page's pixels in the engine's texture, and how often they get there.
+
+#include <thread>
+
+#include "support/EngineTest.h"
+#include "support/TestPages.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using zarvik::host::Size;
+
+/// Both ways to capture: the bitmap path and the stream path.
+class CaptureTest : public EngineTest, public testing::WithParamInterface<bool> {
+  protected:
+    bool streamPath() const { return GetParam(); }
+
+    bool showsPattern(const View& view, int width, int height) {
+        const auto expected = testPattern(width, height);
+        return waitForPixels(view, [&](const Image& image) { return image == expected; });
+    }
+};
+
+std::string pathName(const testing::TestParamInfo<bool>& info) {
+    return info.param ? "StreamPath" : "BitmapPath";
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(Paths, CaptureTest, testing::Bool(), pathName);
+
+TEST_P(CaptureTest, PixelsAreExactInOddSizesAndPitches) {
+    std::uint32_t pitch = 0;
+    engine.device().setFaults({.rowPitch = [&](std::uint32_t width) {
+        const std::uint32_t pitches[] = {width * 4, (width * 4 + 255) / 256 * 256, width * 4 + 4, width, 0};
+        return pitches[pitch];
+    }});
+    for (const Size size : {Size{320, 240}, Size{333, 217}, Size{1, 1}, Size{257, 3}, Size{641, 359}}) {
+        View view(engine, size, streamPath());
+        loadHtml(view, patternPage);
+        EXPECT_TRUE(showsPattern(view, size.width, size.height))
+            << size.width << "x" << size.height << ", pitch " << pitch;
+        ++pitch;
+    }
+}
+
+TEST_P(CaptureTest, ResizeAndZoomMakeANewTextureWithExactPixels) {
+    View view(engine, {300, 200}, streamPath());
+    loadHtml(view, patternPage);
+    ASSERT_TRUE(showsPattern(view, 300, 200));
+    plugin().WebView_resize(view.handle(), 411, 123);
+    EXPECT_TRUE(showsPattern(view, 411, 123));
+    plugin().WebView_zoomOut(view.handle());  // 1.1
+    EXPECT_TRUE(showsPattern(view, 452, 135));
+    plugin().WebView_zoomIn(view.handle());  // back to 1
+    plugin().WebView_zoomIn(view.handle());  // 0.9
+    EXPECT_TRUE(showsPattern(view, 369, 110));
+    for (int i = 0; i < 20; ++i) {
+        plugin().WebView_zoomIn(view.handle());  // stops at 0.1
+    }
+    EXPECT_TRUE(showsPattern(view, 41, 12));
+}
+
+TEST_P(CaptureTest, AStillPageIsUploadedNoMoreOnceItHasSettled) {
+    View view(engine, {320, 240}, streamPath());
+    loadHtml(view, patternPage);
+    ASSERT_TRUE(showsPattern(view, 320, 240));
+    std::this_thread::sleep_for(300ms);
+    const auto settled = view.uploads();
+    std::this_thread::sleep_for(1s);
+    EXPECT_EQ(view.uploads(), settled);
+
+    // A texture made later gets the picture although the page did not change.
+    plugin().WebView_resize(view.handle(), 320, 240);
+    ASSERT_TRUE(view.waitForUploads(settled + 1));
+    EXPECT_TRUE(showsPattern(view, 320, 240));
+}
+
+TEST_P(CaptureTest, AnAnimatedPageKeepsComingAndStopsOnRequest) {
+    View view(engine, {320, 240}, streamPath());
+    loadHtml(view, animatedPage);
+    EXPECT_TRUE(view.waitForUploads(30));
+    plugin().WebView_setRenderingEnabled(view.handle(), false);
+    std::this_thread::sleep_for(500ms);
+    const auto stopped = view.uploads();
+    std::this_thread::sleep_for(500ms);
+    EXPECT_EQ(view.uploads(), stopped);
+    plugin().WebView_setRenderingEnabled(view.handle(), true);
+    EXPECT_TRUE(view.waitForUploads(stopped + 10));
+    // Switching while a capture is under way may start a second chain of captures; both must end.
+    for (int i = 0; i < 10; ++i) {
+        plugin().WebView_setRenderingEnabled(view.handle(), i % 2 == 1);
+    }
+    EXPECT_TRUE(view.waitForUploads(view.uploads() + 10));
+}
+
+TEST_P(CaptureTest, TwoViewsShowTheirOwnPages) {
+    View one(engine, {200, 100}, streamPath());
+    View two(engine, {100, 200}, !streamPath());
+    one.loadHtml(colourPage(200, 10, 20));
+    two.loadHtml(colourPage(30, 40, 250));
+    EXPECT_TRUE(waitForPixels(one, [](const Image& image) { return isFilled(image, 200, 10, 20); }));
+    EXPECT_TRUE(waitForPixels(two, [](const Image& image) { return isFilled(image, 30, 40, 250); }));
+    EXPECT_EQ(one.readPixels().width, 200);
+    EXPECT_EQ(two.readPixels().height, 200);
+}
+
+TEST_P(CaptureTest, APageThatReplacesAnotherLeavesNothingOfIt) {
+    View view(engine, {300, 200}, streamPath());
+    loadHtml(view, patternPage);
+    ASSERT_TRUE(showsPattern(view, 300, 200));
+    loadHtml(view, colourPage(1, 2, 3));
+    EXPECT_TRUE(waitForPixels(view, [](const Image& image) { return isFilled(image, 1, 2, 3); }));
+}

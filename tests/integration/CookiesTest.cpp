@@ -1,0 +1,172 @@
+// Cookies, stored data and the user agent through the exports.
+
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "support/EngineTest.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using nlohmann::json;
+
+class CookiesTest : public EngineTest {
+  protected:
+    void SetUp() override { plugin().WebView_clearAllData(); }
+
+    json cookies(const std::string& url, const char* name = nullptr) {
+        char* const text = plugin().WebView_getCookies(url.c_str(), name);
+        const auto parsed = json::parse(text, nullptr, false);
+        EXPECT_FALSE(parsed.is_discarded()) << text;
+        free(text);
+        return parsed.at("Items");
+    }
+
+    bool set(const json& cookie) { return plugin().WebView_setCookie(cookie.dump().c_str()); }
+
+    const std::string url = server.url("/");
+};
+
+json session(const std::string& name, const std::string& value) {
+    return {{"Name", name}, {"Value", value}, {"Domain", "127.0.0.1"}, {"Path", "/"}};
+}
+
+}  // namespace
+
+TEST_F(CookiesTest, RoundTripAndDeletion) {
+    const auto later = std::time(nullptr) + 3600;
+    ASSERT_TRUE(set(session("one", "1")));
+    json full = session("two", "val ü");
+    full.update({{"ExpirationDate", later}, {"HttpOnly", true}, {"Secure", false}});
+    full["Value"] = "v=2";
+    ASSERT_TRUE(set(full));
+    EXPECT_EQ(cookies(url).size(), 2U);
+    const auto two = cookies(url, "two");
+    ASSERT_EQ(two.size(), 1U);
+    EXPECT_EQ(two[0]["Name"], "two");
+    EXPECT_EQ(two[0]["Value"], "v=2");
+    EXPECT_EQ(two[0]["Domain"], "127.0.0.1");
+    EXPECT_EQ(two[0]["Path"], "/");
+    EXPECT_EQ(two[0]["ExpirationDate"], later);
+    EXPECT_EQ(two[0]["HttpOnly"], true);
+    EXPECT_EQ(two[0]["Secure"], false);
+    EXPECT_TRUE(cookies("http://other.invalid/").empty());
+
+    ASSERT_TRUE(set(session("one", "changed")));
+    EXPECT_EQ(cookies(url, "one").at(0)["Value"], "changed");
+
+    plugin().WebView_deleteCookies(url.c_str(), "one");
+    EXPECT_TRUE(cookies(url, "one").empty());
+    EXPECT_EQ(cookies(url).size(), 1U);
+    plugin().WebView_deleteCookies(url.c_str(), nullptr);
+    EXPECT_TRUE(cookies(url).empty());
+    EXPECT_EQ(errorsSince(0), std::vector<std::string>{});
+}
+
+TEST_F(CookiesTest, PagesAndTheEngineShareThem) {
+    server.page("/page", "<script>document.cookie = 'fromPage=yes'; fetch('/seen')</script>");
+    ASSERT_TRUE(set(session("fromEngine", "yes")));
+    View view(engine, {10, 10});
+    load(view, server.url("/page"));
+    ASSERT_TRUE(server.waitForRequest("/seen"));
+    EXPECT_NE(server.requests("/page")[0].headers.find("Cookie")->second.find("fromEngine=yes"),
+              std::string::npos);
+    for (int i = 0; i < 100 && cookies(url, "fromPage").empty(); ++i) {
+        std::this_thread::sleep_for(20ms);
+    }
+    EXPECT_EQ(cookies(url, "fromPage").size(), 1U);
+
+    plugin().WebView_clearAllData();
+    for (int i = 0; i < 100 && !cookies(url).empty(); ++i) {
+        std::this_thread::sleep_for(20ms);
+    }
+    EXPECT_TRUE(cookies(url).empty());
+}
+
+TEST_F(CookiesTest, BadInputIsRefusedWithALogLine) {
+    const std::string failed = "An error occurred while setting a cookie. Error message: ";
+    for (const char* text :
+         {"", "no json", "[]", "{}", R"({"Name":"a"})", R"({"Name":"","Domain":"127.0.0.1"})",
+          R"({"Name":"a","Value":"1\n2","Domain":"127.0.0.1","Path":"/"})",
+          R"({"Name":5,"Value":"1","Domain":"127.0.0.1","Path":"/"})"}) {
+        const auto from = recorder().position();
+        EXPECT_FALSE(plugin().WebView_setCookie(text)) << text;
+        const auto errors = errorsSince(from);
+        ASSERT_EQ(errors.size(), 1U) << text;
+        EXPECT_TRUE(errors[0].starts_with(failed)) << errors[0];
+    }
+    const auto from = recorder().position();
+    char* const none = plugin().WebView_getCookies("no url", nullptr);
+    EXPECT_STREQ(none, R"({"Items": []})");
+    free(none);
+    EXPECT_TRUE(waitForError("An error occurred while fetching the cookies for no url", from));
+}
+
+TEST_F(CookiesTest, AreAnsweredFromAnyThreadWhileAPageHangs) {
+    server.page("/hang",
+                "<script>onload = () => setTimeout(() => { fetch('/hanging'); setTimeout(() => { for (;;); "
+                "}, 100) })</script>");
+    ASSERT_TRUE(set(session("a", "1")));
+    View view(engine, {10, 10});
+    load(view, server.url("/hang"));
+    ASSERT_TRUE(server.waitForRequest("/hanging"));
+    std::this_thread::sleep_for(300ms);
+    EXPECT_EQ(cookies(url).size(), 1U);
+    std::thread([&] { EXPECT_EQ(cookies(url).size(), 1U); }).join();
+    engine.renderThread().run([&] { EXPECT_EQ(cookies(url).size(), 1U); });
+
+    // Also in a callback on the library's own thread, which has to carry out the question.
+    std::atomic<int> fromCallback = -1;
+    recorder().setObserver([&](const Record& record) {
+        if (record.method == "HandleCanGoBackResult") {
+            fromCallback = static_cast<int>(cookies(url).size());
+        }
+    });
+    plugin().WebView_canGoBack(view.handle());
+    for (int i = 0; i < 500 && fromCallback < 0; ++i) {
+        std::this_thread::sleep_for(10ms);
+    }
+    EXPECT_EQ(fromCallback, 1);
+    recorder().setObserver(nullptr);
+}
+
+TEST_F(CookiesTest, TheUserAgentIsTheWholeProcesss) {
+    const std::string mobile =
+        "Mozilla/5.0 (Windows Phone 10.0; Android 6.0.1; Microsoft; RM-1152) AppleWebKit/537.36 (KHTML, like "
+        "Gecko) "
+        "Chrome/52.0.2743.116 Mobile Safari/537.36";
+    View view(engine, {10, 10});
+    int page = 0;
+    const auto seen = [&] {
+        const auto path = "/agent" + std::to_string(++page);
+        server.page(path, "<p>agent");
+        load(view, server.url(path));
+        return server.requests(path).at(0).headers.find("User-Agent")->second;
+    };
+    const auto original = seen();
+    EXPECT_NE(original.find("AppleWebKit"), std::string::npos);
+    plugin().WebView_globallySetUserAgent("Agent/1.0 (test)");
+    EXPECT_EQ(seen(), "Agent/1.0 (test)");
+    plugin().WebView_globallySetUserAgentToMobile(true);
+    EXPECT_EQ(seen(), mobile);
+    plugin().WebView_globallySetUserAgentToMobile(false);
+    EXPECT_EQ(seen(), original);
+    const auto from = recorder().position();
+    plugin().WebView_globallySetUserAgent("line\r\nbreak: x");
+    EXPECT_EQ(errorsSince(from).size(), 1U);
+    EXPECT_EQ(seen(), original);
+}
+
+TEST_F(CookiesTest, StorageCanBeSwitchedOffForNewViews) {
+    server.page("/storage", "<script>fetch(window.indexedDB ? '/with' : '/without')</script>");
+    plugin().WebView_setStorageEnabled(false);
+    View without(engine, {10, 10});
+    load(without, server.url("/storage"));
+    EXPECT_TRUE(server.waitForRequest("/without"));
+    plugin().WebView_setStorageEnabled(true);
+    load(without, server.url("/storage"));
+    EXPECT_TRUE(server.requests("/with").empty());
+    View with(engine, {10, 10});
+    load(with, server.url("/storage"));
+    EXPECT_TRUE(server.waitForRequest("/with"));
+}

@@ -1,0 +1,162 @@
+// Creation, destruction and sizes that are none: whatever the order and the moment, nothing crashes, hangs or
+// stays behind, and the next view works.
+
+#include <malloc.h>
+
+#include <fstream>
+#include <thread>
+
+#include "support/EngineTest.h"
+#include "support/TestPages.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+class LifecycleTest : public EngineTest {
+  protected:
+    void expectNewViewWorks() {
+        View view(engine, {64, 48});
+        loadHtml(view, patternPage);
+        const auto expected = testPattern(64, 48);
+        EXPECT_TRUE(waitForPixels(view, [&](const Image& image) { return image == expected; }));
+    }
+
+    static long residentKilobytes() {
+        malloc_trim(0);
+        std::ifstream status("/proc/self/status");
+        for (std::string line; std::getline(status, line);) {
+            if (line.starts_with("VmRSS:")) {
+                return std::stol(line.substr(6));
+            }
+        }
+        return 0;
+    }
+
+    static long openDescriptors() {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                             std::filesystem::directory_iterator());
+    }
+};
+
+}  // namespace
+
+TEST_F(LifecycleTest, SizesThatAreNoneLeaveTheViewUsable) {
+    for (const auto& [width, height] :
+         {std::pair{0, 0}, {-5, 10}, {10, -1}, {20000, 20000}, {20000, 1}, {1, 1}}) {
+        View view(engine, {width, height});
+        view.loadHtml(colourPage(1, 2, 3));
+        const auto result = view.waitForLoad();
+        EXPECT_TRUE(result) << width << "x" << height << ": " << result.reason;
+        plugin().WebView_resize(view.handle(), 40, 30);
+        view.loadHtml(patternPage);
+        const auto expected = testPattern(40, 30);
+        EXPECT_TRUE(waitForPixels(view, [&](const Image& image) { return image == expected; }))
+            << width << "x" << height;
+    }
+    EXPECT_TRUE(waitForError("Texture creation failed with code: "));
+}
+
+TEST_F(LifecycleTest, ResizeToSizesThatAreNone) {
+    View view(engine, {60, 50});
+    loadHtml(view, patternPage);
+    for (const auto& [width, height] : {std::pair{0, 0}, {-5, 10}, {10, -1}, {20000, 20000}, {16385, 2}}) {
+        const auto from = recorder().position();
+        plugin().WebView_resize(view.handle(), width, height);
+        EXPECT_TRUE(
+            recorder().waitFor([](const Record& record) { return record.kind == Record::Kind::error; }, from))
+            << width << "x" << height;
+    }
+    plugin().WebView_resize(view.handle(), 70, 31);
+    const auto expected = testPattern(70, 31);
+    EXPECT_TRUE(waitForPixels(view, [&](const Image& image) { return image == expected; }));
+}
+
+TEST_F(LifecycleTest, CallsRightAfterCreationAndRightBeforeDestruction) {
+    server.page("/page", "<p>page");
+    for (int i = 0; i < 10; ++i) {
+        auto* const view = plugin().WebView_new("hasty", 100, 100, i % 2 == 0);
+        plugin().WebView_resize(view, 120, 80);
+        plugin().WebView_loadUrl(view, server.url("/page").c_str());
+        plugin().WebView_zoomIn(view);
+        plugin().WebView_setRenderingEnabled(view, false);
+        plugin().WebView_setRenderingEnabled(view, true);
+        plugin().WebView_captureScreenshot(view, "hasty");
+        plugin().WebView_canGoBack(view);
+        std::this_thread::sleep_for(std::chrono::milliseconds(20 * i));
+        plugin().WebView_loadUrl(view, server.url("/page").c_str());
+        plugin().WebView_getRawTextureData(view, "hasty");
+        plugin().WebView_reload(view);
+        plugin().WebView_destroy(view);
+    }
+    expectNewViewWorks();
+}
+
+TEST_F(LifecycleTest, DestroyedInMidLoadAndInMidCapture) {
+    server.stalledPage("/slow");
+    server.stalledPage("/picture");
+    server.page("/loading", animatedPage + "<img src=/picture>");
+    std::vector<std::unique_ptr<View>> views;
+    for (const std::string path : {"/slow", "/loading", "/slow", "/loading"}) {
+        views.push_back(std::make_unique<View>(engine, zarvik::host::Size{300, 200}, path == "/slow"));
+        views.back()->loadUrl(server.url(path));
+    }
+    ASSERT_TRUE(views[1]->waitForUploads(5));
+    ASSERT_TRUE(views[3]->waitForUploads(5));
+    std::vector<std::string> targets;
+    for (const auto& view : views) {
+        targets.push_back(view->target());
+    }
+    views.clear();
+    // What was reported after the destruction has no one to go to.
+    std::this_thread::sleep_for(100ms);
+    const auto from = recorder().position();
+    std::this_thread::sleep_for(500ms);
+    for (const auto& record : recorder().since(from)) {
+        EXPECT_EQ(std::count(targets.begin(), targets.end(), record.target), 0) << record.method;
+    }
+    EXPECT_EQ(errorsSince(0), std::vector<std::string>{});
+    expectNewViewWorks();
+}
+
+TEST_F(LifecycleTest, APageInAnEndlessLoopHoldsUpNobody) {
+    server.page("/hang",
+                "<script>onload = () => setTimeout(() => { fetch('/hanging'); setTimeout(() => { for (;;); "
+                "}, 100) })</script>");
+    auto hanging = std::make_unique<View>(engine, zarvik::host::Size{100, 100});
+    load(*hanging, server.url("/hang"));
+    ASSERT_TRUE(server.waitForRequest("/hanging"));
+    std::this_thread::sleep_for(300ms);
+    expectNewViewWorks();
+    plugin().WebView_resize(hanging->handle(), 200, 200);
+    hanging.reset();
+    expectNewViewWorks();
+}
+
+TEST_F(LifecycleTest, ManyCyclesLeaveNothingBehind) {
+    constexpr int warmUp = 25;
+    constexpr int cycles = 100;
+    long memory = 0;
+    long descriptors = 0;
+    const auto cycle = [&](int i) {
+        View view(engine, {160, 120}, i % 2 == 0);
+        loadHtml(view, colourPage(i % 256, 20, 30));
+        EXPECT_TRUE(
+            waitForPixels(view, [&](const Image& image) { return isFilled(image, i % 256, 20, 30); }));
+    };
+    for (int i = 0; i < cycles; ++i) {
+        cycle(i);
+        if (i == warmUp) {
+            std::this_thread::sleep_for(500ms);
+            memory = residentKilobytes();
+            descriptors = openDescriptors();
+        }
+    }
+    std::this_thread::sleep_for(500ms);
+    RecordProperty("memory_growth_kb", static_cast<int>(residentKilobytes() - memory));
+    std::cout << "Memory " << memory << " -> " << residentKilobytes() << " kB, descriptors " << descriptors
+              << " -> " << openDescriptors() << "\n";
+    EXPECT_LE(openDescriptors(), descriptors + 5);
+    // A view that stayed would cost more than this in pixels alone, were it only each tenth.
+    EXPECT_LT(residentKilobytes() - memory, 20'000);
+}

@@ -1,0 +1,95 @@
+// Screenshots and raw texture data.
+
+#include <png.h>
+
+#include "support/EngineTest.h"
+#include "support/TestPages.h"
+
+namespace {
+
+class ScreenshotTest : public EngineTest {
+  protected:
+    std::optional<Record> answer(const std::string& id, std::size_t from = 0) {
+        return recorder().waitFor(
+            [&](const Record& record) { return record.kind == Record::Kind::data && record.method == id; },
+            from);
+    }
+
+    static Image decodePng(const std::vector<std::uint8_t>& bytes) {
+        png_image header{};
+        header.version = PNG_IMAGE_VERSION;
+        if (!png_image_begin_read_from_memory(&header, bytes.data(), bytes.size())) {
+            ADD_FAILURE() << header.message;
+            return {};
+        }
+        header.format = PNG_FORMAT_BGRA;
+        Image image(static_cast<int>(header.width), static_cast<int>(header.height));
+        EXPECT_TRUE(png_image_finish_read(&header, nullptr, image.pixels.data(), 0, nullptr))
+            << header.message;
+        return image;
+    }
+
+    static Image upsideDown(const Image& image) {
+        Image result(image.width, image.height);
+        const auto row = static_cast<std::ptrdiff_t>(image.width) * 4;
+        for (int y = 0; y < image.height; ++y) {
+            std::copy_n(image.pixels.begin() + row * y, row,
+                        result.pixels.begin() + row * (image.height - 1 - y));
+        }
+        return result;
+    }
+};
+
+}  // namespace
+
+TEST_F(ScreenshotTest, AScreenshotAndTheRawDataHaveThePagesPixels) {
+    View view(engine, {311, 207});
+    loadHtml(view, patternPage);
+    const auto expected = testPattern(311, 207);
+    ASSERT_TRUE(waitForPixels(view, [&](const Image& image) { return image == expected; }));
+    plugin().WebView_captureScreenshot(view.handle(), "shot");
+    plugin().WebView_getRawTextureData(view.handle(), "raw");
+    const auto shot = answer("shot");
+    const auto raw = answer("raw");
+    ASSERT_TRUE(shot && raw);
+    EXPECT_EQ(shot->target, view.target());
+    EXPECT_EQ(decodePng(shot->bytes), expected);
+    EXPECT_EQ(raw->bytes, upsideDown(expected).pixels);
+
+    // With a zoom factor both have the scaled size.
+    plugin().WebView_zoomOut(view.handle());
+    const auto zoomed = testPattern(342, 227);
+    ASSERT_TRUE(waitForPixels(view, [&](const Image& image) { return image == zoomed; }));
+    plugin().WebView_captureScreenshot(view.handle(), "zoomed");
+    const auto zoomedShot = answer("zoomed");
+    ASSERT_TRUE(zoomedShot);
+    EXPECT_EQ(decodePng(zoomedShot->bytes), zoomed);
+}
+
+TEST_F(ScreenshotTest, RequestsAtOnceAreAnsweredEachWithItsId) {
+    View view(engine, {50, 40});
+    loadHtml(view, colourPage(7, 8, 9));
+    ASSERT_TRUE(waitForPixels(view, [](const Image& image) { return isFilled(image, 7, 8, 9); }));
+    for (int i = 0; i < 20; ++i) {
+        plugin().WebView_captureScreenshot(view.handle(), ("shot" + std::to_string(i)).c_str());
+        plugin().WebView_getRawTextureData(view.handle(), ("raw" + std::to_string(i)).c_str());
+    }
+    for (int i = 0; i < 20; ++i) {
+        const auto shot = answer("shot" + std::to_string(i));
+        const auto raw = answer("raw" + std::to_string(i));
+        ASSERT_TRUE(shot && raw) << i;
+        EXPECT_TRUE(isFilled(decodePng(shot->bytes), 7, 8, 9));
+        EXPECT_EQ(raw->bytes.size(), 50U * 40 * 4);
+    }
+}
+
+TEST_F(ScreenshotTest, AViewWithoutASizeSaysSo) {
+    View view(engine, {0, 0});
+    const auto from = recorder().position();
+    plugin().WebView_captureScreenshot(view.handle(), "none");
+    plugin().WebView_getRawTextureData(view.handle(), "none");
+    EXPECT_TRUE(waitForError("Can't capture a screenshot, because the web view has no size.", from));
+    EXPECT_TRUE(waitForError("Can't get the raw texture data, because the web view has no size.", from));
+    EXPECT_FALSE(recorder().waitFor([](const Record& record) { return record.kind == Record::Kind::data; },
+                                    from, std::chrono::milliseconds(200)));
+}

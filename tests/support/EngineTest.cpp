@@ -1,0 +1,66 @@
+#include "support/EngineTest.h"
+
+#include <algorithm>
+#include <thread>
+
+using zarvik::host::Recorder;
+
+std::string urlChanged(const std::string& url) {
+    return R"(HandleMessageEmitted { "type": "zarvik.webview.urlChanged", "urlAction": { "Type": "LOAD", )"
+           R"("Title": "", "Url": ")" +
+           url + R"(" }})";
+}
+
+std::vector<std::string> EngineTest::messagesSince(std::size_t position, const View& view) {
+    std::vector<std::string> messages;
+    for (const auto& record : recorder().since(position)) {
+        if (record.kind == Record::Kind::message && record.target == view.target() &&
+            record.method != "HandleTextureChanged") {
+            messages.push_back(record.payload.empty() ? record.method : record.method + " " + record.payload);
+        }
+    }
+    return messages;
+}
+
+std::vector<std::string> EngineTest::errorsSince(std::size_t position) {
+    std::vector<std::string> errors;
+    for (const auto& record : recorder().since(position)) {
+        if (record.kind == Record::Kind::error) {
+            errors.push_back(record.payload.substr(record.payload.find(' ') + 1));
+        }
+    }
+    return errors;
+}
+
+bool EngineTest::waitForError(const std::string& text, std::size_t position) {
+    return recorder()
+        .waitFor(
+            [&](const Record& record) {
+                return record.kind == Record::Kind::error && record.payload.find(text) != std::string::npos;
+            },
+            position)
+        .has_value();
+}
+
+void EngineTest::load(View& view, const std::string& url) {
+    view.loadUrl(url);
+    const auto result = view.waitForLoad();
+    ASSERT_EQ(result.outcome, LoadResult::Outcome::finished) << url << ": " << result.reason;
+}
+
+void EngineTest::loadHtml(View& view, const std::string& html) {
+    view.loadHtml(html);
+    const auto result = view.waitForLoad();
+    ASSERT_EQ(result.outcome, LoadResult::Outcome::finished) << result.reason;
+}
+
+bool EngineTest::waitForPixels(const View& view, const std::function<bool(const Image&)>& expected) {
+    const auto limit = std::chrono::steady_clock::now() + Recorder::defaultTimeout;
+    while (std::chrono::steady_clock::now() < limit) {
+        if (const auto image = view.readPixels(); !image.pixels.empty() && expected(image)) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+}
