@@ -40,6 +40,7 @@ build() {
 # start_display gives this script an X server of its own and exports DISPLAY and XAUTHORITY. It ends with the script.
 start_display() {
     local cookie number
+    export NO_AT_BRIDGE=1  # there is no accessibility bus on a private display
     display_folder=$(mktemp -d)
     cookie=$(mcookie)
     export XAUTHORITY="$display_folder/authority"
@@ -80,7 +81,7 @@ forward() {
 # Web pages run in a sandbox that is made of user namespaces; without them every page fails to load.
 warn_without_sandbox() {
     [ "${WEBVIEW_SANDBOX:-}" != off ] || return 0
-    bwrap --unshare-user --unshare-pid --ro-bind / / true 2>/dev/null ||
+    bwrap --unshare-pid --unshare-ipc --unshare-uts --ro-bind / / true 2>/dev/null ||
         say "Warning: this machine allows no user namespaces, so the sandbox of web pages cannot start and no page" \
             "will load. Allow them, or set WEBVIEW_SANDBOX=off to run pages with all rights of this user." >&2
 }

@@ -12,7 +12,7 @@ using nlohmann::json;
 
 class CookiesTest : public EngineTest {
   protected:
-    void SetUp() override { plugin().WebView_clearAllData(); }
+    void SetUp() override { plugin().WebView_deleteCookies(url.c_str(), nullptr); }
 
     json cookies(const std::string& url, const char* name = nullptr) {
         char* const text = plugin().WebView_getCookies(url.c_str(), name);

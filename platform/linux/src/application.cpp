@@ -36,7 +36,8 @@ UI::Core::CoreDispatcher CoreApplicationView::Dispatcher() const {
 
 namespace winrt::Windows::UI::Core {
 
-Foundation::IAsyncAction CoreDispatcher::RunAsync(CoreDispatcherPriority, DispatchedHandler const& handler) const {
+Foundation::IAsyncAction CoreDispatcher::RunAsync(CoreDispatcherPriority,
+                                                  DispatchedHandler const& handler) const {
     auto operation = std::make_shared<impl::async_object<void>>();
     runtime::ui_thread::instance().post([operation, handler] {
         try {
@@ -49,7 +50,9 @@ Foundation::IAsyncAction CoreDispatcher::RunAsync(CoreDispatcherPriority, Dispat
     return Foundation::IAsyncAction(operation);
 }
 
-bool CoreDispatcher::HasThreadAccess() const { return runtime::ui_thread::is_current(); }
+bool CoreDispatcher::HasThreadAccess() const {
+    return runtime::ui_thread::is_current();
+}
 
 }  // namespace winrt::Windows::UI::Core
 

@@ -140,23 +140,31 @@ void UIElement::RenderTransform(Media::Transform const& value) const {
     element.arrange();
 }
 
-double FrameworkElement::Width() const { return object_of<ui_element_object>(*this).width; }
+double FrameworkElement::Width() const {
+    return object_of<ui_element_object>(*this).width;
+}
 
 void FrameworkElement::Width(double value) const {
     auto& element = object_of<ui_element_object>(*this);
     runtime::set_size(element, element.width, value);
 }
 
-double FrameworkElement::Height() const { return object_of<ui_element_object>(*this).height; }
+double FrameworkElement::Height() const {
+    return object_of<ui_element_object>(*this).height;
+}
 
 void FrameworkElement::Height(double value) const {
     auto& element = object_of<ui_element_object>(*this);
     runtime::set_size(element, element.height, value);
 }
 
-void FrameworkElement::HorizontalAlignment(Xaml::HorizontalAlignment) const { runtime::ui_thread::require_current(); }
+void FrameworkElement::HorizontalAlignment(Xaml::HorizontalAlignment) const {
+    runtime::ui_thread::require_current();
+}
 
-void FrameworkElement::VerticalAlignment(Xaml::VerticalAlignment) const { runtime::ui_thread::require_current(); }
+void FrameworkElement::VerticalAlignment(Xaml::VerticalAlignment) const {
+    runtime::ui_thread::require_current();
+}
 
 DependencyObject FrameworkElement::Parent() const {
     return DependencyObject(object_of<ui_element_object>(*this).parent.lock());
@@ -166,7 +174,9 @@ Window Window::Current() {
     return runtime::ui_thread::is_current() ? Window(runtime::window_object::current()) : Window(nullptr);
 }
 
-UIElement Window::Content() const { return UIElement(object_of<runtime::window_object>(*this).content); }
+UIElement Window::Content() const {
+    return UIElement(object_of<runtime::window_object>(*this).content);
+}
 
 void Window::Content(UIElement const& value) const {
     object_of<runtime::window_object>(*this).set_content(pointer_of<ui_element_object>(value));
@@ -220,7 +230,8 @@ void TranslateTransform::Y(double value) const {
 }
 
 int32_t VisualTreeHelper::GetChildrenCount(DependencyObject const& reference) {
-    auto const* panel = dynamic_cast<runtime::panel_object*>(&object_of<runtime::dependency_object>(reference));
+    auto const* panel =
+        dynamic_cast<runtime::panel_object*>(&object_of<runtime::dependency_object>(reference));
     return panel ? static_cast<int32_t>(panel->children.size()) : 0;
 }
 
@@ -228,7 +239,8 @@ DependencyObject VisualTreeHelper::GetChild(DependencyObject const& reference, i
     if (childIndex < 0 || childIndex >= GetChildrenCount(reference)) {
         throw hresult_error(E_INVALIDARG);
     }
-    return DependencyObject(object_of<runtime::panel_object>(reference).children[static_cast<size_t>(childIndex)]);
+    return DependencyObject(
+        object_of<runtime::panel_object>(reference).children[static_cast<size_t>(childIndex)]);
 }
 
 }  // namespace winrt::Windows::UI::Xaml::Media

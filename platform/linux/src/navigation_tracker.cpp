@@ -158,7 +158,8 @@ void navigation_tracker::on_terminated(WebKitWebView*, WebKitWebProcessTerminati
     }
 }
 
-void navigation_tracker::on_message(WebKitUserContentManager*, WebKitJavascriptResult* message, gpointer data) {
+void navigation_tracker::on_message(WebKitUserContentManager*, WebKitJavascriptResult* message,
+                                    gpointer data) {
     glib_text const text(jsc_value_to_string(webkit_javascript_result_get_js_value(message)));
     static_cast<navigation_tracker*>(data)->handle_message(text.get());
 }

@@ -35,8 +35,8 @@ class navigation_tracker {
     /// Before a navigation that our own side starts: raises the event; false when a handler refused.
     bool begin(std::string const& uri);
 
-    /// After `begin`, for a navigation that may turn out to be a move within the document, of which the engine
-    /// reports nothing.
+    /// After `begin`, for a navigation that may turn out to be a move within the document, of which the
+    /// engine reports nothing.
     void expect_move_within_document();
 
     /// Ends the navigation under way, if any, as cancelled.
@@ -52,11 +52,12 @@ class navigation_tracker {
     enum class phase { none, expected, started, committed };
 
     static void on_load_changed(WebKitWebView*, WebKitLoadEvent event, gpointer self);
-    static gboolean on_load_failed(WebKitWebView*, WebKitLoadEvent, char const* uri, GError* error, gpointer self);
-    static gboolean on_tls_failed(WebKitWebView*, char const* uri, GTlsCertificate*, GTlsCertificateFlags errors,
-                                  gpointer self);
-    static gboolean on_decide_policy(WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type,
-                                     gpointer self);
+    static gboolean on_load_failed(WebKitWebView*, WebKitLoadEvent, char const* uri, GError* error,
+                                   gpointer self);
+    static gboolean on_tls_failed(WebKitWebView*, char const* uri, GTlsCertificate*,
+                                  GTlsCertificateFlags errors, gpointer self);
+    static gboolean on_decide_policy(WebKitWebView*, WebKitPolicyDecision* decision,
+                                     WebKitPolicyDecisionType type, gpointer self);
     static void on_terminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self);
     static void on_message(WebKitUserContentManager*, WebKitJavascriptResult* message, gpointer self);
 

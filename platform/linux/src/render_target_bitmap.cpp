@@ -54,8 +54,12 @@ Foundation::IAsyncOperation<Storage::Streams::IBuffer> RenderTargetBitmap::GetPi
     return Foundation::IAsyncOperation<Storage::Streams::IBuffer>(operation);
 }
 
-int32_t RenderTargetBitmap::PixelWidth() const { return object_of<bitmap_object>(*this).latest.width; }
+int32_t RenderTargetBitmap::PixelWidth() const {
+    return object_of<bitmap_object>(*this).latest.width;
+}
 
-int32_t RenderTargetBitmap::PixelHeight() const { return object_of<bitmap_object>(*this).latest.height; }
+int32_t RenderTargetBitmap::PixelHeight() const {
+    return object_of<bitmap_object>(*this).latest.height;
+}
 
 }  // namespace winrt::Windows::UI::Xaml::Media::Imaging

@@ -41,8 +41,7 @@ GSource* make_queue_source(ui_thread* thread, void (*run)(ui_thread*)) {
     static GSourceFuncs functions = {
         .prepare = nullptr,
         .check = nullptr,
-        .dispatch =
-            [](GSource* source, GSourceFunc, gpointer) -> gboolean {
+        .dispatch = [](GSource* source, GSourceFunc, gpointer) -> gboolean {
             auto* queue = reinterpret_cast<queue_source*>(source);
             queue->run(queue->thread);
             return G_SOURCE_CONTINUE;
@@ -144,9 +143,10 @@ void ui_thread::adopt_host_thread() {
         }
     });
     if (answer.wait_for(patience) != std::future_status::ready) {
-        throw winrt::hresult_error(E_FAIL,
-                                   L"Another thread owns the default main context and does not run it; either run "
-                                   L"it there or leave it to this library.");
+        throw winrt::hresult_error(
+            E_FAIL,
+            L"Another thread owns the default main context and does not run it; either run "
+            L"it there or leave it to this library.");
     }
     answer.get();
 }
@@ -212,8 +212,7 @@ void ui_thread::run_nested_until(std::atomic<bool> const& finished, std::chrono:
     bool expired = false;
     // The timer also wakes the context for endings that are reported from another thread.
     auto const deadline = std::chrono::steady_clock::now() + bound;
-    guint const timer = g_timeout_add(
-        10, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    guint const timer = g_timeout_add(10, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
     while (!finished && !expired) {
         g_main_context_iteration(g_main_context_default(), TRUE);
         expired = std::chrono::steady_clock::now() >= deadline;

@@ -35,10 +35,10 @@ class ui_thread {
     /// Queues work; work runs in order, one piece per turn of the loop. Work must not throw. Any thread.
     void post(std::function<void()> work);
 
-    /// Starts something on the user-interface thread and waits for its ending, at most for `bound`; false when
-    /// the time is over. `start` receives the function that reports the ending, which may be called later and
-    /// from any thread, also after the wait was given up. Called on the user-interface thread itself it runs
-    /// the main context meanwhile, with our own queue held back. Any thread.
+    /// Starts something on the user-interface thread and waits for its ending, at most for `bound`; false
+    /// when the time is over. `start` receives the function that reports the ending, which may be called
+    /// later and from any thread, also after the wait was given up. Called on the user-interface thread
+    /// itself it runs the main context meanwhile, with our own queue held back. Any thread.
     bool wait_for(std::function<void(std::function<void()> finished)> start, std::chrono::milliseconds bound);
 
     /// Runs a function on the user-interface thread and returns its result or throws its exception; E_FAIL
@@ -50,7 +50,8 @@ class ui_thread {
             return function();
         }
         struct call {
-            std::optional<std::conditional_t<std::is_void_v<result_type>, std::monostate, result_type>> result;
+            std::optional<std::conditional_t<std::is_void_v<result_type>, std::monostate, result_type>>
+                result;
             std::exception_ptr failure;
         };
         auto shared = std::make_shared<call>();

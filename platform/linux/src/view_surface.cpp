@@ -100,7 +100,8 @@ void view_surface::note_damage(cairo_t* context) {
         for (int i = 0; i < rectangles->num_rectangles; ++i) {
             auto const& damage = rectangles->rectangles[i];
             cairo_rectangle_int_t const area{static_cast<int>(damage.x), static_cast<int>(damage.y),
-                                             static_cast<int>(damage.width + 1), static_cast<int>(damage.height + 1)};
+                                             static_cast<int>(damage.width + 1),
+                                             static_cast<int>(damage.height + 1)};
             cairo_region_union_rectangle(entry->stale, &area);
         }
     }
@@ -142,7 +143,8 @@ picture view_surface::compose(int32_t width, int32_t height) {
 
 /// Memory that nobody reads: the latest picture itself when it was never lent, another one otherwise.
 std::shared_ptr<view_surface::canvas> view_surface::writable_canvas(int32_t width, int32_t height) {
-    std::erase_if(canvases, [&](auto const& entry) { return entry->width != width || entry->height != height; });
+    std::erase_if(canvases,
+                  [&](auto const& entry) { return entry->width != width || entry->height != height; });
     auto const free = [](auto const& entry) { return entry->loans.load(std::memory_order_acquire) == 0; };
     if (latest && free(latest) && std::find(canvases.begin(), canvases.end(), latest) != canvases.end()) {
         return latest;

@@ -13,7 +13,8 @@ namespace runtime {
 
 namespace {
 
-/// Surfaces have bounds: no side beyond what graphics devices take, and no more memory than a picture is worth.
+/// Surfaces have bounds: no side beyond what graphics devices take, and no more memory than a picture is
+/// worth.
 constexpr int largest_side = 16384;
 constexpr int64_t largest_area = int64_t{1} << 26;
 
@@ -44,9 +45,10 @@ void follow_user_agent() {
 void add_script(WebKitUserContentManager* manager, char const* source, WebKitUserContentInjectedFrames frames,
                 char const* world) {
     auto* const script =
-        world ? webkit_user_script_new_for_world(source, frames, WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, world,
-                                                 nullptr, nullptr)
-              : webkit_user_script_new(source, frames, WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, nullptr, nullptr);
+        world ? webkit_user_script_new_for_world(source, frames, WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START,
+                                                 world, nullptr, nullptr)
+              : webkit_user_script_new(source, frames, WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, nullptr,
+                                       nullptr);
     webkit_user_content_manager_add_script(manager, script);
     webkit_user_script_unref(script);
 }
@@ -57,14 +59,16 @@ gobject_ptr<WebKitUserContentManager> make_content_manager() {
         manager.get(), navigation_tracker::handler, navigation_tracker::world);
     add_script(manager.get(), navigation_tracker::script, WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,
                navigation_tracker::world);
-    add_script(manager.get(), navigation_tracker::hiding_script, WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES, nullptr);
+    add_script(manager.get(), navigation_tracker::hiding_script, WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES,
+               nullptr);
     return manager;
 }
 
 gobject_ptr<WebKitSettings> make_settings() {
     auto settings = gobject_ptr<WebKitSettings>::adopt(webkit_settings_new());
     // Without a graphics processor the engine's own painting into memory is by far the cheapest.
-    webkit_settings_set_hardware_acceleration_policy(settings.get(), WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+    webkit_settings_set_hardware_acceleration_policy(settings.get(),
+                                                     WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
     webkit_settings_set_javascript_can_open_windows_automatically(settings.get(), TRUE);
     webkit_settings_set_enable_media_stream(settings.get(), TRUE);
     apply_user_agent(settings.get(), user_agent());
@@ -86,7 +90,8 @@ WebKitFeature* find_feature(char const* identifier) {
             return feature;
         }
     }
-    throw winrt::hresult_error(E_NOTIMPL, winrt::to_hstring(std::string("The browser engine lacks ") + identifier));
+    throw winrt::hresult_error(E_NOTIMPL,
+                               winrt::to_hstring(std::string("The browser engine lacks ") + identifier));
 }
 
 /// A side's length within the bounds, beside the other side.
@@ -128,8 +133,8 @@ void web_view_object::arrange() {
     auto const place = locate();
     auto& window = native_window::instance();
     auto const area = window.size();
-    bool const on_screen = place.visible && place.x < area.width && place.y < area.height && place.x + wide > 0 &&
-                           place.y + high > 0;
+    bool const on_screen = place.visible && place.x < area.width && place.y < area.height &&
+                           place.x + wide > 0 && place.y + high > 0;
     auto* const offscreen = offscreen_window.get();
     bool const was_on_screen = gtk_widget_get_parent(widget.get()) != offscreen;
     if (on_screen) {
@@ -162,7 +167,8 @@ void web_view_object::stop() {
     tracker->cancel();
 }
 
-void web_view_object::request_picture(int32_t wanted_width, int32_t wanted_height, view_surface::receiver deliver) {
+void web_view_object::request_picture(int32_t wanted_width, int32_t wanted_height,
+                                      view_surface::receiver deliver) {
     bool const empty = wanted_width <= 0 || wanted_height <= 0;
     int const wide = empty ? 0 : bounded(wanted_width);
     surface->request(wide, empty ? 0 : bounded(wanted_height, wide), std::move(deliver));
@@ -182,7 +188,8 @@ navigation_tracker::events web_view_object::tracker_events() {
     return {
         .starting = [this](auto const& uri) { return raise_starting(uri); },
         .content_loading = [this] { raise(content_loading, *this, std::make_shared<plain_arguments>()); },
-        .dom_content_loaded = [this] { raise(dom_content_loaded, *this, std::make_shared<plain_arguments>()); },
+        .dom_content_loaded =
+            [this] { raise(dom_content_loaded, *this, std::make_shared<plain_arguments>()); },
         .completed =
             [this](auto error) {
                 raise(navigation_completed, *this, std::make_shared<navigation_completed_arguments>(error));

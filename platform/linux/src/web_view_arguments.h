@@ -34,7 +34,8 @@ struct new_window_arguments : uri_arguments {
 };
 
 struct permission_request : winrt::impl::object {
-    explicit permission_request(winrt::Windows::UI::Xaml::Controls::WebViewPermissionType type) : type(type) {}
+    explicit permission_request(winrt::Windows::UI::Xaml::Controls::WebViewPermissionType type)
+        : type(type) {}
     winrt::Windows::UI::Xaml::Controls::WebViewPermissionType type;
     bool allowed = false;
 };
@@ -43,19 +44,23 @@ struct permission_request : winrt::impl::object {
 struct plain_arguments : winrt::impl::object {};
 
 struct permission_arguments : winrt::impl::object {
-    explicit permission_arguments(std::shared_ptr<permission_request> request) : request(std::move(request)) {}
+    explicit permission_arguments(std::shared_ptr<permission_request> request)
+        : request(std::move(request)) {}
     std::shared_ptr<permission_request> request;
 };
 
 /// Raises an event of a web view. An exception of a handler ends here, as it does on the platform's
 /// dispatcher: it must not unwind through the engine's C frames.
 template <typename Arguments>
-void raise(winrt::event<winrt::Windows::Foundation::TypedEventHandler<winrt::Windows::UI::Xaml::Controls::WebView,
-                                                                      Arguments>>& event,
+void raise(winrt::event<winrt::Windows::Foundation::TypedEventHandler<
+               winrt::Windows::UI::Xaml::Controls::WebView, Arguments>>& event,
            ui_element_object& sender, std::shared_ptr<winrt::impl::object> arguments) noexcept {
+    auto const alive = sender.weak_from_this().lock();
+    if (!alive) {
+        return;  // the engine still reports while the view waits for its end
+    }
     try {
-        event(winrt::Windows::UI::Xaml::Controls::WebView(sender.shared_from_this()),
-              Arguments(std::move(arguments)));
+        event(winrt::Windows::UI::Xaml::Controls::WebView(alive), Arguments(std::move(arguments)));
     } catch (winrt::hresult_error const& error) {
         g_critical("A handler of a web view's event failed: %s", winrt::to_string(error.message()).c_str());
     } catch (...) {

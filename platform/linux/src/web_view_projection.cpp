@@ -35,7 +35,9 @@ Foundation::Uri uri_of(Foundation::IInspectable const& arguments) {
 
 // Event arguments
 
-Foundation::Uri WebViewNavigationStartingEventArgs::Uri() const { return uri_of(*this); }
+Foundation::Uri WebViewNavigationStartingEventArgs::Uri() const {
+    return uri_of(*this);
+}
 
 void WebViewNavigationStartingEventArgs::Cancel(bool value) const {
     object_of<runtime::navigation_starting_arguments>(*this).cancel = value;
@@ -46,10 +48,13 @@ bool WebViewNavigationCompletedEventArgs::IsSuccess() const {
 }
 
 Web::WebErrorStatus WebViewNavigationCompletedEventArgs::WebErrorStatus() const {
-    return object_of<runtime::navigation_completed_arguments>(*this).error.value_or(Web::WebErrorStatus::Unknown);
+    return object_of<runtime::navigation_completed_arguments>(*this).error.value_or(
+        Web::WebErrorStatus::Unknown);
 }
 
-Foundation::Uri WebViewNewWindowRequestedEventArgs::Uri() const { return uri_of(*this); }
+Foundation::Uri WebViewNewWindowRequestedEventArgs::Uri() const {
+    return uri_of(*this);
+}
 
 void WebViewNewWindowRequestedEventArgs::Handled(bool value) const {
     object_of<runtime::new_window_arguments>(*this).handled = value;
@@ -63,9 +68,13 @@ WebViewPermissionType WebViewPermissionRequest::PermissionType() const {
     return object_of<runtime::permission_request>(*this).type;
 }
 
-void WebViewPermissionRequest::Allow() const { object_of<runtime::permission_request>(*this).allowed = true; }
+void WebViewPermissionRequest::Allow() const {
+    object_of<runtime::permission_request>(*this).allowed = true;
+}
 
-void WebViewPermissionRequest::Deny() const { object_of<runtime::permission_request>(*this).allowed = false; }
+void WebViewPermissionRequest::Deny() const {
+    object_of<runtime::permission_request>(*this).allowed = false;
+}
 
 // Settings
 
@@ -96,7 +105,9 @@ WebViewSettings WebView::Settings() const {
     return WebViewSettings(implementation);
 }
 
-bool WebView::CanGoBack() const { return webkit_web_view_can_go_back(object_of<web_view_object>(*this).view()); }
+bool WebView::CanGoBack() const {
+    return webkit_web_view_can_go_back(object_of<web_view_object>(*this).view());
+}
 
 bool WebView::CanGoForward() const {
     return webkit_web_view_can_go_forward(object_of<web_view_object>(*this).view());
@@ -124,9 +135,13 @@ void WebView::NavigateWithHttpRequestMessage(Web::Http::HttpRequestMessage const
                     [&] { webkit_web_view_load_request(object.view(), request.get()); });
 }
 
-void WebView::GoBack() const { webkit_web_view_go_back(object_of<web_view_object>(*this).view()); }
+void WebView::GoBack() const {
+    webkit_web_view_go_back(object_of<web_view_object>(*this).view());
+}
 
-void WebView::GoForward() const { webkit_web_view_go_forward(object_of<web_view_object>(*this).view()); }
+void WebView::GoForward() const {
+    webkit_web_view_go_forward(object_of<web_view_object>(*this).view());
+}
 
 void WebView::Refresh() const {
     auto& object = object_of<web_view_object>(*this);
@@ -135,7 +150,9 @@ void WebView::Refresh() const {
     }
 }
 
-void WebView::Stop() const { object_of<web_view_object>(*this).stop(); }
+void WebView::Stop() const {
+    object_of<web_view_object>(*this).stop();
+}
 
 Foundation::IAsyncAction WebView::CapturePreviewToStreamAsync(
     Storage::Streams::IRandomAccessStream const& stream) const {
@@ -161,7 +178,8 @@ Foundation::IAsyncAction WebView::ClearTemporaryWebDataAsync() {
     runtime::ui_thread::instance().post([operation] {
         using pending = std::shared_ptr<impl::async_object<void>>;
         webkit_website_data_manager_clear(
-            webkit_web_context_get_website_data_manager(runtime::web_context()), WEBKIT_WEBSITE_DATA_ALL, 0, nullptr,
+            webkit_web_context_get_website_data_manager(runtime::web_context()), WEBKIT_WEBSITE_DATA_ALL, 0,
+            nullptr,
             [](GObject* manager, GAsyncResult* result, gpointer data) {
                 std::unique_ptr<pending> const owner(static_cast<pending*>(data));
                 runtime::glib_error error;
@@ -169,7 +187,8 @@ Foundation::IAsyncAction WebView::ClearTemporaryWebDataAsync() {
                                                              error.put())) {
                     (*owner)->complete();
                 } else {
-                    (*owner)->fail(std::make_exception_ptr(hresult_error(E_FAIL, to_hstring(error.message()))));
+                    (*owner)->fail(
+                        std::make_exception_ptr(hresult_error(E_FAIL, to_hstring(error.message()))));
                 }
             },
             new pending(operation));

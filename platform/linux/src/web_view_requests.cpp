@@ -25,7 +25,8 @@ std::optional<WebViewPermissionType> permission_type(WebKitPermissionRequest* re
     if (WEBKIT_IS_GEOLOCATION_PERMISSION_REQUEST(request)) {
         return WebViewPermissionType::Geolocation;
     }
-    if (WEBKIT_IS_USER_MEDIA_PERMISSION_REQUEST(request) || WEBKIT_IS_DEVICE_INFO_PERMISSION_REQUEST(request)) {
+    if (WEBKIT_IS_USER_MEDIA_PERMISSION_REQUEST(request) ||
+        WEBKIT_IS_DEVICE_INFO_PERMISSION_REQUEST(request)) {
         return WebViewPermissionType::Media;
     }
     if (WEBKIT_IS_POINTER_LOCK_PERMISSION_REQUEST(request)) {
@@ -82,12 +83,13 @@ void answer_engine_requests(web_view_object& owner) {
     g_signal_connect(view, "context-menu", G_CALLBACK(gtk_true), &owner);
     g_signal_connect(view, "print", G_CALLBACK(gtk_true), &owner);
     g_signal_connect(view, "enter-fullscreen", G_CALLBACK(gtk_true), &owner);
-    g_signal_connect(view, "authenticate", G_CALLBACK(+[](WebKitWebView*, WebKitAuthenticationRequest* request,
-                                                          gpointer) -> gboolean {
-                         webkit_authentication_request_cancel(request);
-                         return TRUE;
-                     }),
-                     &owner);
+    g_signal_connect(
+        view, "authenticate",
+        G_CALLBACK(+[](WebKitWebView*, WebKitAuthenticationRequest* request, gpointer) -> gboolean {
+            webkit_authentication_request_cancel(request);
+            return TRUE;
+        }),
+        &owner);
 }
 
 }  // namespace runtime

@@ -1,6 +1,6 @@
-// The end of a browser widget. Destroyed while it animates, the engine's library may wait for its page process
-// while that waits for the library; so the process is ended first, and the widgets go in later turns of the
-// loop, one step each.
+// The end of a browser widget. Destroyed while it animates, the engine's library may wait for its page
+// process while that waits for the library; so the process is ended first, and the widgets go in later turns
+// of the loop, one step each.
 
 #include <deque>
 

@@ -4,7 +4,6 @@
 
 namespace winrt::Windows::Foundation {
 
-
 struct Point {
     float X;
     float Y;

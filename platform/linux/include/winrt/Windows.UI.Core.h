@@ -13,7 +13,8 @@ struct CoreDispatcher : Foundation::IInspectable {
     WINRT_LINUX_HANDLE(CoreDispatcher, IInspectable)
 
     /// Queues a handler; handlers run in the order in which they were queued. Any thread.
-    Foundation::IAsyncAction RunAsync(CoreDispatcherPriority priority, DispatchedHandler const& handler) const;
+    Foundation::IAsyncAction RunAsync(CoreDispatcherPriority priority,
+                                      DispatchedHandler const& handler) const;
 
     /// Whether the caller is on the user-interface thread.
     bool HasThreadAccess() const;

@@ -22,7 +22,12 @@ struct Panel : FrameworkElement {
     UIElementCollection Children() const;
 };
 
-enum class WebViewPermissionType : int32_t { Geolocation = 0, Media = 2, PointerLock = 3, WebNotifications = 4 };
+enum class WebViewPermissionType : int32_t {
+    Geolocation = 0,
+    Media = 2,
+    PointerLock = 3,
+    WebNotifications = 4
+};
 
 struct WebViewPermissionRequest : Foundation::IInspectable {
     WINRT_LINUX_HANDLE(WebViewPermissionRequest, IInspectable)

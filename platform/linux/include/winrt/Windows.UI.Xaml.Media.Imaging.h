@@ -15,7 +15,8 @@ struct RenderTargetBitmap : Foundation::IInspectable {
     WINRT_LINUX_HANDLE(RenderTargetBitmap, IInspectable)
 
     /// Renders the element scaled to a size in view pixels.
-    Foundation::IAsyncAction RenderAsync(UIElement const& element, int32_t scaledWidth, int32_t scaledHeight) const;
+    Foundation::IAsyncAction RenderAsync(UIElement const& element, int32_t scaledWidth,
+                                         int32_t scaledHeight) const;
 
     /// The pixels, BGRA with 8 bits a channel and premultiplied alpha, rows without gaps.
     Foundation::IAsyncOperation<Storage::Streams::IBuffer> GetPixelsAsync() const;

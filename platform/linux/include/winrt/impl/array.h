@@ -18,7 +18,8 @@ class array_view {
     array_view(Container& container) noexcept
         : elements(container.data()), count(static_cast<uint32_t>(container.size())) {}
     template <typename Container>
-        requires std::is_const_v<T> && requires(Container const& container) { static_cast<T*>(container.data()); }
+        requires std::is_const_v<T> &&
+                     requires(Container const& container) { static_cast<T*>(container.data()); }
     array_view(Container const& container) noexcept
         : elements(container.data()), count(static_cast<uint32_t>(container.size())) {}
 

@@ -131,7 +131,9 @@ struct async_promise_base {
     std::suspend_never initial_suspend() noexcept { return {}; }
     announcing_awaiter final_suspend() noexcept { return {}; }
     void unhandled_exception() {
-        announcement = [operation = operation, exception = std::current_exception()] { operation->fail(exception); };
+        announcement = [operation = operation, exception = std::current_exception()] {
+            operation->fail(exception);
+        };
     }
 };
 

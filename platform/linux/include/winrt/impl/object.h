@@ -85,6 +85,6 @@ weak_ref<T> make_weak(T const& object) noexcept {
 }  // namespace winrt
 
 /// The constructors that every handle has: from nothing, and from its implementation.
-#define WINRT_LINUX_HANDLE(Type, Base)            \
+#define WINRT_LINUX_HANDLE(Type, Base)               \
     Type(std::nullptr_t) noexcept : Base(nullptr) {} \
     explicit Type(std::shared_ptr<::winrt::impl::object> object) noexcept : Base(std::move(object)) {}

@@ -29,7 +29,9 @@ class hstring {
     const_iterator end() const noexcept { return characters.end(); }
 
     friend bool operator==(hstring const& left, hstring const& right) noexcept = default;
-    friend bool operator==(hstring const& left, wchar_t const* right) noexcept { return left.characters == right; }
+    friend bool operator==(hstring const& left, wchar_t const* right) noexcept {
+        return left.characters == right;
+    }
     friend auto operator<=>(hstring const& left, hstring const& right) noexcept {
         return left.characters <=> right.characters;
     }
@@ -39,7 +41,8 @@ class hstring {
 };
 
 namespace param {
-/// What a function takes where a text is wanted: the conversions that are allowed into a call, none out of it.
+/// What a function takes where a text is wanted: the conversions that are allowed into a call, none out of
+/// it.
 struct hstring {
     hstring() = default;
     hstring(winrt::hstring const& text) : value(text) {}
