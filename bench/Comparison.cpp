@@ -68,13 +68,17 @@ const std::vector<Line>& stillLines() {
     return lines;
 }
 
-double median(const std::vector<Measurement>& measurements, Figure figure) {
+std::vector<double> sorted(const std::vector<Measurement>& measurements, Figure figure) {
     std::vector<double> values;
     values.reserve(measurements.size());
     for (const auto& measurement : measurements) {
         values.push_back(std::invoke(figure, measurement));
     }
     std::ranges::sort(values);
+    return values;
+}
+
+double median(const std::vector<double>& values) {
     const auto middle = values.size() / 2;
     return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
@@ -103,24 +107,33 @@ std::string formatted(const char* format, double value) {
     return text.data();
 }
 
+/// The median with the least and the greatest value: how far apart they are tells how quiet the machine was.
+std::string summary(const char* format, const std::vector<double>& values) {
+    return formatted(format, median(values)) + " (" + formatted(format, values.front()) + "-" +
+           formatted(format, values.back()) + ")";
+}
+
 void print(const Line& line, const Rounds& rounds) {
-    const double library = median(rounds.library, line.figure);
-    const double bare = median(rounds.bare, line.figure);
+    const auto library = sorted(rounds.library, line.figure);
+    const auto bare = sorted(rounds.bare, line.figure);
+    const double libraryMedian = median(library);
+    const double bareMedian = median(bare);
     const char* verdict = "";
     if (line.target.holds) {
-        verdict = line.target.holds(library, bare) ? "holds" : "MISSED";
+        verdict = line.target.holds(libraryMedian, bareMedian) ? "holds" : "MISSED";
     }
-    std::printf("  %-38s %8s %8s %6s  %-13s %s\n", line.title, formatted(line.format, library).c_str(),
-                formatted(line.format, bare).c_str(),
-                bare > 0 ? formatted("%.2f", library / bare).c_str() : "-", line.target.text, verdict);
+    std::printf("  %-38s %18s %18s %6s  %-13s %s\n", line.title, summary(line.format, library).c_str(),
+                summary(line.format, bare).c_str(),
+                bareMedian > 0 ? formatted("%.2f", libraryMedian / bareMedian).c_str() : "-",
+                line.target.text, verdict);
 }
 
 }  // namespace
 
 void compareSides(int rounds, double seconds) {
-    std::printf("%dx%d, medians of %d rounds of %g s on each side\n\n", pageWidth, pageHeight, rounds,
-                seconds);
-    std::printf("  %-38s %8s %8s %6s  %s\n", "", "library", "bare", "ratio", "target");
+    std::printf("%dx%d, medians (least-greatest) of %d rounds of %g s on each side\n\n", pageWidth,
+                pageHeight, rounds, seconds);
+    std::printf("  %-38s %18s %18s %6s  %s\n", "", "library", "bare", "ratio", "target");
     for (const auto& page : pages()) {
         const Rounds measured = measure(page, rounds, seconds);
         std::printf("%s\n", page.title);

@@ -13,8 +13,8 @@ using zarvik::bench::Page;
 using zarvik::bench::Side;
 
 struct Options {
-    double seconds = 5;
-    int rounds = 3;
+    double seconds = 4;
+    int rounds = 5;
     std::optional<Side> side;
     Page page = Page::elements;
 };

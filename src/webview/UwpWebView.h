@@ -93,6 +93,9 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     void subscribeToEvents(const controls::WebView& control);
     void removeControl();
     bool hasControl(const char* operation) const;
+    /// Posts a step that loads something; without a control the load has failed.
+    template <typename Step>
+    void postLoadStep(const char* operation, Step step);
     /// Runs a navigation; what the platform refuses is reported as a failed load of the URL.
     template <typename Navigation>
     void startLoad(const std::string& url, Navigation navigate);

@@ -38,8 +38,23 @@ void UwpWebView::startLoad(const std::string& url, Navigation navigate) {
     }
 }
 
+template <typename Step>
+void UwpWebView::postLoadStep(const char* operation, Step step) {
+    postToUIThread([weak = weak_from_this(), operation, step = std::move(step)] {
+        const auto view = weak.lock();
+        if (!view || view->destroyed) {
+            return;
+        }
+        if (view->webView) {
+            step(*view);
+        } else {
+            view->reportLoadFailure(operation + std::string(log_texts::noControl));
+        }
+    });
+}
+
 void UwpWebView::loadUrl(std::string url) {
-    postControlStep(*this, "loadUrl", [url = std::move(url)](UwpWebView& view) {
+    postLoadStep("loadUrl", [url = std::move(url)](UwpWebView& view) {
         if (isPdfUrl(url)) {
             local_content::loadPdf(view, url);
         } else if (url.starts_with("file:")) {
@@ -51,13 +66,13 @@ void UwpWebView::loadUrl(std::string url) {
 }
 
 void UwpWebView::loadUrlWithHeaders(std::string url, std::string headers) {
-    postControlStep(*this, "loadUrlWithHeaders", [url = std::move(url), headers](UwpWebView& view) {
+    postLoadStep("loadUrlWithHeaders", [url = std::move(url), headers](UwpWebView& view) {
         view.startLoad(url, [&] { view.webView.NavigateWithHttpRequestMessage(makeRequest(url, headers)); });
     });
 }
 
 void UwpWebView::loadHtml(std::string html) {
-    postControlStep(*this, "loadHtml", [html = std::move(html)](UwpWebView& view) {
+    postLoadStep("loadHtml", [html = std::move(html)](UwpWebView& view) {
         view.webView.NavigateToString(winrt::to_hstring(html));
     });
 }

@@ -69,8 +69,7 @@ TEST_F(CookiesTest, PagesAndTheEngineShareThem) {
     View view(engine, {10, 10});
     load(view, server.url("/page"));
     ASSERT_TRUE(server.waitForRequest("/seen"));
-    EXPECT_NE(server.requests("/page")[0].headers.find("Cookie")->second.find("fromEngine=yes"),
-              std::string::npos);
+    EXPECT_NE(server.requests("/page").at(0).header("Cookie").find("fromEngine=yes"), std::string::npos);
     for (int i = 0; i < 100 && cookies(url, "fromPage").empty(); ++i) {
         std::this_thread::sleep_for(20ms);
     }
@@ -141,7 +140,7 @@ TEST_F(CookiesTest, TheUserAgentIsTheWholeProcesss) {
         const auto path = "/agent" + std::to_string(++page);
         server.page(path, "<p>agent");
         load(view, server.url(path));
-        return server.requests(path).at(0).headers.find("User-Agent")->second;
+        return server.requests(path).at(0).header("User-Agent");
     };
     const auto original = seen();
     EXPECT_NE(original.find("AppleWebKit"), std::string::npos);

@@ -15,6 +15,12 @@ class TestServer {
     struct Request {
         std::string path;
         std::multimap<std::string, std::string> headers;
+
+        /// Empty when the request does not have it.
+        std::string header(const std::string& name) const {
+            const auto found = headers.find(name);
+            return found == headers.end() ? std::string() : found->second;
+        }
     };
     using Handler = httplib::Server::Handler;
 

@@ -35,6 +35,8 @@ struct IAsyncAction : IInspectable {
 /// An asynchronous operation with a result of type T.
 template <typename T>
 struct IAsyncOperation : IInspectable {
+    static_assert(impl::is_runtime_type<T>, "the result of an operation must be of a runtime type");
+
     WINRT_LINUX_HANDLE(IAsyncOperation, IInspectable)
 
     auto operator co_await() const {

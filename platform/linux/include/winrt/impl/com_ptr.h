@@ -25,9 +25,12 @@ class com_ptr {
     T& operator*() const noexcept { return *pointer; }
     T* get() const noexcept { return pointer; }
 
-    /// Where a call stores a reference that it gives away. The pointer must be empty.
-    T** put() noexcept { return &pointer; }
-    void** put_void() noexcept { return reinterpret_cast<void**>(&pointer); }
+    /// Where a call stores a reference that it gives away, in place of the one held.
+    T** put() noexcept {
+        release_reference();
+        return &pointer;
+    }
+    void** put_void() noexcept { return reinterpret_cast<void**>(put()); }
 
     /// Takes over a reference that the caller owns.
     void attach(T* reference) noexcept {

@@ -42,19 +42,15 @@ class async_object : public object {
         finish([&] { failure = std::move(exception); });
     }
 
-    bool is_completed() const {
-        std::lock_guard guard(lock);
-        return completed;
-    }
-
-    /// Registers the coroutine that waits; false when the operation has ended already.
+    /// Registers the coroutine that waits; false when the operation has ended already. The one result goes to
+    /// one coroutine: E_ILLEGAL_DELEGATE_ASSIGNMENT for a second one.
     bool suspend(std::coroutine_handle<> handle) {
         std::lock_guard guard(lock);
+        if (std::exchange(awaited, true)) {
+            throw hresult_error(E_ILLEGAL_DELEGATE_ASSIGNMENT);
+        }
         if (completed) {
             return false;
-        }
-        if (waiting) {
-            throw hresult_error(E_ILLEGAL_DELEGATE_ASSIGNMENT);
         }
         waiting = handle;
         home = current_apartment();
@@ -86,8 +82,9 @@ class async_object : public object {
         }
     }
 
-    mutable std::mutex lock;
+    std::mutex lock;
     bool completed = false;
+    bool awaited = false;
     std::optional<value_type> result;
     std::exception_ptr failure;
     std::coroutine_handle<> waiting;
@@ -98,7 +95,7 @@ template <typename T>
 struct async_awaiter {
     std::shared_ptr<async_object<T>> operation;
 
-    bool await_ready() const { return operation->is_completed(); }
+    bool await_ready() const noexcept { return false; }
     bool await_suspend(std::coroutine_handle<> handle) const { return operation->suspend(handle); }
     T await_resume() const {
         if constexpr (std::is_void_v<T>) {

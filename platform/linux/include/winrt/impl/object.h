@@ -1,8 +1,10 @@
 #pragma once
 
 #include <memory>
+#include <type_traits>
 
 #include <winrt/impl/error.h>
+#include <winrt/impl/guid.h>
 
 namespace winrt::impl {
 
@@ -58,6 +60,20 @@ struct IInspectable {
 };
 
 }  // namespace winrt::Windows::Foundation
+
+namespace winrt::impl {
+
+template <typename T, typename... Others>
+inline constexpr bool is_one_of = (std::is_same_v<T, Others> || ...);
+
+/// What a generic runtime type may be made of; C++ types of any other kind do not cross the runtime's boundary.
+template <typename T>
+inline constexpr bool is_runtime_type =
+    std::is_base_of_v<Windows::Foundation::IInspectable, T> ||
+    is_one_of<T, bool, uint8_t, int16_t, uint16_t, int32_t, uint32_t, int64_t, uint64_t, float, double, char16_t,
+              hstring, guid>;
+
+}  // namespace winrt::impl
 
 namespace winrt {
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <compare>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -15,6 +17,7 @@ class hstring {
     using const_iterator = std::wstring::const_iterator;
 
     hstring() noexcept = default;
+    hstring(std::nullptr_t) = delete;
     hstring(wchar_t const* text) : characters(text ? text : L"") {}
     hstring(wchar_t const* text, size_type size) : characters(text, size) {}
     explicit hstring(std::wstring_view text) : characters(text) {}
@@ -45,6 +48,7 @@ namespace param {
 /// it.
 struct hstring {
     hstring() = default;
+    hstring(std::nullptr_t) = delete;
     hstring(winrt::hstring const& text) : value(text) {}
     hstring(wchar_t const* text) : value(text) {}
     hstring(std::wstring const& text) : value(std::wstring_view(text)) {}
