@@ -95,7 +95,7 @@ std::array<std::uint8_t, 4> BareLoop::corner() const {
 
 }  // namespace
 
-Measurement measureBareLoop(const PageText& page, std::chrono::duration<double> window) {
+Measurement measureBareLoop(const PageText& page, const Settings& settings) {
     gtk_disable_setlocale();  // numbers are written as C++ writes them
     if (!gtk_init_check(nullptr, nullptr)) {
         throw std::runtime_error("GTK cannot open a display. Is DISPLAY set?");
@@ -105,7 +105,7 @@ Measurement measureBareLoop(const PageText& page, std::chrono::duration<double> 
     loop.run(warmUp);
 
     const Reading begin = loop.read();
-    loop.run(window);
+    loop.run(std::chrono::duration<double>(settings.seconds));
     const Reading end = loop.read();
     expectCorner(loop.corner());
     return Measurement::between(begin, end);

@@ -89,13 +89,13 @@ void showProgress(const std::string& text) {
     }
 }
 
-Rounds measure(const PageText& page, int rounds, double seconds) {
+Rounds measure(const PageText& page, int rounds, const Settings& settings) {
     Rounds result;
     for (int round = 1; round <= rounds; ++round) {
         showProgress(std::string(page.title) + ", round " + std::to_string(round) + " of " +
                      std::to_string(rounds));
-        result.library.push_back(measureInProcess(Side::library, page, seconds));
-        result.bare.push_back(measureInProcess(Side::bare, page, seconds));
+        result.library.push_back(measureInProcess(Side::library, page, settings));
+        result.bare.push_back(measureInProcess(Side::bare, page, settings));
     }
     showProgress("");
     return result;
@@ -130,12 +130,12 @@ void print(const Line& line, const Rounds& rounds) {
 
 }  // namespace
 
-void compareSides(int rounds, double seconds) {
+void compareSides(int rounds, const Settings& settings) {
     std::printf("%dx%d, medians (least-greatest) of %d rounds of %g s on each side\n\n", pageWidth,
-                pageHeight, rounds, seconds);
+                pageHeight, rounds, settings.seconds);
     std::printf("  %-38s %18s %18s %6s  %s\n", "", "library", "bare", "ratio", "target");
     for (const auto& page : pages()) {
-        const Rounds measured = measure(page, rounds, seconds);
+        const Rounds measured = measure(page, rounds, settings);
         std::printf("%s\n", page.title);
         for (const auto& line : page.page == Page::still ? stillLines() : animatedLines()) {
             print(line, measured);

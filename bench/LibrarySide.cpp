@@ -22,8 +22,8 @@ Reading read(host::Engine& engine, const host::View& view) {
 
 }  // namespace
 
-Measurement measureLibrary(const PageText& page, std::chrono::duration<double> window) {
-    host::Engine engine({.turnsPerSecond = 60});
+Measurement measureLibrary(const PageText& page, const Settings& settings) {
+    host::Engine engine({.turnsPerSecond = settings.rate});
     host::View view(engine, {.width = pageWidth, .height = pageHeight});
     view.loadHtml(page.html);
     if (const auto load = view.waitForLoad(); !load) {
@@ -35,7 +35,7 @@ Measurement measureLibrary(const PageText& page, std::chrono::duration<double> w
     std::this_thread::sleep_for(warmUp);
 
     const Reading begin = read(engine, view);
-    std::this_thread::sleep_for(window);
+    std::this_thread::sleep_for(std::chrono::duration<double>(settings.seconds));
     const Reading end = read(engine, view);
     expectCorner(view.readPixels().at(0, 0));
     return Measurement::between(begin, end);

@@ -16,21 +16,23 @@ std::string document(const std::string& head, const std::string& body) {
 
 // Elements that move, turn, fade and change their colour all over the page.
 std::string elementsPage() {
-    std::string body;
-    for (int i = 0; i < 8; ++i) {
-        const auto number = std::to_string(i);
-        body += "<div class=\"" + std::string(i % 2 == 0 ? "slide" : "turn") +
-                "\" style=\"left:" + std::to_string(60 + 150 * i) + "px;top:" + std::to_string(60 + 70 * i) +
-                "px;animation-delay:-0." + number + "s\">" + number + "</div>";
-    }
-    return document(
-        "div{position:absolute;width:90px;height:90px;border-radius:16px;background:#e0a030;text-align:"
-        "center}"
-        ".slide{animation:slide 1.6s linear infinite alternate}"
-        ".turn{animation:turn 1.2s linear infinite}"
-        "@keyframes slide{to{transform:translate(40px,-50px);opacity:.4}}"
-        "@keyframes turn{to{transform:rotate(360deg);background:#c03060}}",
-        body);
+    return document(R"css(
+div{position:absolute;width:90px;height:90px;border-radius:16px;background:#e0a030;text-align:center}
+.slide{animation:slide 1.6s linear infinite alternate}
+.turn{animation:turn 1.2s linear infinite}
+@keyframes slide{to{transform:translate(40px,-50px);opacity:.4}}
+@keyframes turn{to{transform:rotate(360deg);background:#c03060}}
+)css",
+                    R"html(<script>
+for (var i = 0; i < 8; ++i) {
+    var element = document.body.appendChild(document.createElement('div'));
+    element.className = i % 2 ? 'turn' : 'slide';
+    element.style.left = 60 + 150 * i + 'px';
+    element.style.top = 60 + 70 * i + 'px';
+    element.style.animationDelay = -i / 10 + 's';
+    element.textContent = i;
+}
+</script>)html");
 }
 
 // Every frame repaints all of the page but its corner.

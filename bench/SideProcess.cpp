@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -14,8 +15,6 @@
 #include <stdexcept>
 #include <system_error>
 #include <vector>
-
-#include "Sides.h"
 
 namespace zarvik::bench {
 
@@ -54,13 +53,9 @@ int run(const std::vector<std::string>& options, std::FILE* output) {
 }
 
 std::string contentsOf(std::FILE* file) {
-    std::string text;
-    std::array<char, 256> part{};
-    std::rewind(file);
-    while (const auto length = std::fread(part.data(), 1, part.size(), file)) {
-        text.append(part.data(), length);
-    }
-    return text;
+    std::array<char, 256> text{};
+    const auto length = pread(fileno(file), text.data(), text.size(), 0);
+    return {text.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
 }
 
 std::string describeEnd(int status) {
@@ -77,20 +72,20 @@ const char* nameOf(Side side) {
     return side == Side::library ? "library" : "bare";
 }
 
-void runSide(Side side, const PageText& page, double seconds) {
-    alarm(static_cast<unsigned>(seconds) + patienceSeconds);  // ends this process if it hangs
-    const std::chrono::duration<double> window(seconds);
-    std::cout << (side == Side::library ? measureLibrary(page, window) : measureBareLoop(page, window))
+void runSide(Side side, const PageText& page, const Settings& settings) {
+    alarm(static_cast<unsigned>(settings.seconds) + patienceSeconds);  // ends this process if it hangs
+    std::cout << (side == Side::library ? measureLibrary(page, settings) : measureBareLoop(page, settings))
               << std::flush;
 }
 
-Measurement measureInProcess(Side side, const PageText& page, double seconds) {
+Measurement measureInProcess(Side side, const PageText& page, const Settings& settings) {
     const OutputFile output(std::tmpfile());
     if (!output) {
         throw std::system_error(errno, std::generic_category(), "Making a temporary file");
     }
-    const int status = run(
-        {"--side", nameOf(side), "--page", page.option, "--seconds", std::to_string(seconds)}, output.get());
+    const int status = run({"--side", nameOf(side), "--page", page.option, "--seconds",
+                            std::to_string(settings.seconds), "--rate", std::to_string(settings.rate)},
+                           output.get());
     Measurement measurement;
     std::istringstream line(contentsOf(output.get()));
     if (status != 0 || !(line >> measurement)) {

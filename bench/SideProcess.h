@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Measurement.h"
 #include "Pages.h"
+#include "Sides.h"
 
 namespace zarvik::bench {
 
@@ -12,9 +12,9 @@ const char* nameOf(Side side);
 
 /// Measures in a process of its own: this program with the option --side. Throws std::runtime_error, naming
 /// what was measured, if that process fails or hangs.
-Measurement measureInProcess(Side side, const PageText& page, double seconds);
+Measurement measureInProcess(Side side, const PageText& page, const Settings& settings);
 
 /// What that process does: measures and prints the figures.
-void runSide(Side side, const PageText& page, double seconds);
+void runSide(Side side, const PageText& page, const Settings& settings);
 
 }  // namespace zarvik::bench

@@ -13,15 +13,21 @@ using zarvik::bench::Page;
 using zarvik::bench::Side;
 
 struct Options {
-    double seconds = 4;
+    zarvik::bench::Settings settings;
     int rounds = 5;
     std::optional<Side> side;
     Page page = Page::elements;
 };
 
 void addOptions(CLI::App& app, Options& options) {
-    app.add_option("--seconds", options.seconds, "Length of each measured window")
+    app.add_option("--seconds", options.settings.seconds, "Length of each measured window")
         ->check(CLI::Range(1.0, 600.0))
+        ->capture_default_str();
+    app.add_option(
+           "--rate", options.settings.rate,
+           "Turns per second of the engine's render thread. With many more than the browser paints, no "
+           "frame gives way to a newer one before the engine's next turn")
+        ->check(CLI::Range(1.0, 1000.0))
         ->capture_default_str();
     app.add_option("--rounds", options.rounds, "How often each side is measured with each page")
         ->check(CLI::Range(1, 1000))
@@ -48,7 +54,7 @@ void addOptions(CLI::App& app, Options& options) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     Options options;
     CLI::App app(
         "Compares the library in an engine with a bare loop over the browser engine: frames per second and "
@@ -56,15 +62,13 @@ int main(int argc, char** argv) {
         "zarvik-bench");
     addOptions(app, options);
     CLI11_PARSE(app, argc, argv);
-    try {
-        if (options.side) {
-            zarvik::bench::runSide(*options.side, zarvik::bench::textOf(options.page), options.seconds);
-        } else {
-            zarvik::bench::compareSides(options.rounds, options.seconds);
-        }
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "zarvik-bench: %s\n", error.what());
-        return 1;
+    if (options.side) {
+        zarvik::bench::runSide(*options.side, zarvik::bench::textOf(options.page), options.settings);
+    } else {
+        zarvik::bench::compareSides(options.rounds, options.settings);
     }
     return 0;
+} catch (const std::exception& error) {
+    std::fprintf(stderr, "zarvik-bench: %s\n", error.what());
+    return 1;
 }

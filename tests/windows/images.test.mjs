@@ -36,11 +36,11 @@ function withChecksum(change) {
     };
 }
 
-/** Overwrites a text of the file with another one of the same length. */
+/** Overwrites a text of the file, wherever it stands, with another one of the same length. */
 function overwrite(bytes, from, to) {
-    const offset = bytes.indexOf(`${from}\0`, 0, "latin1");
-    assert.notEqual(offset, -1);
-    bytes.write(to, offset, "latin1");
+    let offset = -1;
+    while ((offset = bytes.indexOf(`${from}\0`, offset + 1, "latin1")) !== -1)
+        bytes.write(to, offset, "latin1");
 }
 
 const nothing = () => {};

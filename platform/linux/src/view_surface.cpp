@@ -66,14 +66,15 @@ void view_surface::request(int32_t width, int32_t height, receiver deliver) {
     if (!empty && (frame_waiting || !latest || latest->width != width || latest->height != height)) {
         answer_waiting();
     } else if (!timer) {
-        timer = g_timeout_add(
-            patience_ms / 4,
-            [](gpointer self) -> gboolean {
-                static_cast<view_surface*>(self)->answer_expired();
-                return static_cast<view_surface*>(self)->timer != 0;
-            },
-            this);
+        wait(patience_ms);
     }
+}
+
+/// One timer for all requests, which wakes the thread only when a request may have waited long enough.
+void view_surface::wait(int milliseconds) {
+    timer = g_timeout_add_once(
+        static_cast<guint>(milliseconds),
+        [](gpointer self) { static_cast<view_surface*>(self)->answer_expired(); }, this);
 }
 
 gboolean view_surface::on_draw(GtkWidget*, cairo_t* context, gpointer data) {
@@ -118,13 +119,15 @@ void view_surface::answer_waiting() {
 }
 
 void view_surface::answer_expired() {
-    auto const now = g_get_monotonic_time();
-    auto const expired = [&](waiting const& request) { return now - request.since >= patience_ms * 1000; };
-    if (std::any_of(requests.begin(), requests.end(), expired)) {
-        answer_waiting();
-    }
+    timer = 0;
     if (requests.empty()) {
-        timer = 0;
+        return;
+    }
+    auto const waited_ms = static_cast<int>((g_get_monotonic_time() - requests.front().since) / 1000);
+    if (waited_ms >= patience_ms) {
+        answer_waiting();
+    } else {
+        wait(patience_ms - waited_ms);
     }
 }
 

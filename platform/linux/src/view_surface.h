@@ -61,6 +61,7 @@ class view_surface {
     void note_damage(cairo_t* context);
     void answer_waiting();
     void answer_expired();
+    void wait(int milliseconds);
     picture compose(int32_t width, int32_t height);
     picture lend(std::shared_ptr<canvas> const& lender);
     std::shared_ptr<canvas> writable_canvas(int32_t width, int32_t height);

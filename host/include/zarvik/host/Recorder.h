@@ -36,7 +36,7 @@ class Recorder {
   public:
     using Predicate = std::function<bool(const Record&)>;
 
-    static constexpr std::chrono::milliseconds defaultTimeout{10'000};
+    static constexpr std::chrono::milliseconds defaultTimeout{30'000};
 
     void add(Record record);
 

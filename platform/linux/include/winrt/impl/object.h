@@ -66,12 +66,12 @@ namespace winrt::impl {
 template <typename T, typename... Others>
 inline constexpr bool is_one_of = (std::is_same_v<T, Others> || ...);
 
-/// What a generic runtime type may be made of; C++ types of any other kind do not cross the runtime's boundary.
+/// What a generic runtime type may be made of; C++ types of any other kind do not cross the runtime's
+/// boundary.
 template <typename T>
-inline constexpr bool is_runtime_type =
-    std::is_base_of_v<Windows::Foundation::IInspectable, T> ||
-    is_one_of<T, bool, uint8_t, int16_t, uint16_t, int32_t, uint32_t, int64_t, uint64_t, float, double, char16_t,
-              hstring, guid>;
+inline constexpr bool is_runtime_type = std::is_base_of_v<Windows::Foundation::IInspectable, T> ||
+                                        is_one_of<T, bool, uint8_t, int16_t, uint16_t, int32_t, uint32_t,
+                                                  int64_t, uint64_t, float, double, char16_t, hstring, guid>;
 
 }  // namespace winrt::impl
 

@@ -1,0 +1,379 @@
+#include <gtest/gtest.h>
+#include <winrt/Windows.ApplicationModel.Core.h>
+
+#include <future>
+#include <numeric>
+#include <thread>
+
+using namespace std::chrono_literals;
+using winrt::Windows::ApplicationModel::Core::CoreApplication;
+using winrt::Windows::Foundation::IAsyncAction;
+using winrt::Windows::Foundation::IAsyncOperation;
+using winrt::Windows::Foundation::TypedEventHandler;
+using winrt::Windows::UI::Core::CoreDispatcher;
+using winrt::Windows::UI::Core::CoreDispatcherPriority;
+
+namespace {
+
+CoreDispatcher dispatcher() {
+    return CoreApplication::MainView().Dispatcher();
+}
+
+bool isOnUIThread() {
+    return dispatcher().HasThreadAccess();
+}
+
+winrt::fire_and_forget report(IAsyncAction work, std::promise<void> ended) {
+    try {
+        co_await work;
+        ended.set_value();
+    } catch (...) {
+        ended.set_exception(std::current_exception());
+    }
+}
+
+/// Waits for work on a thread that is not the user-interface thread, and throws what it threw.
+void finish(IAsyncAction work) {
+    std::promise<void> ended;
+    auto ending = ended.get_future();
+    report(std::move(work), std::move(ended));
+    ASSERT_EQ(ending.wait_for(20s), std::future_status::ready) << "the work does not end";
+    ending.get();
+}
+
+template <typename Action>
+int32_t codeOf(Action action) {
+    try {
+        action();
+    } catch (const winrt::hresult_error& error) {
+        return error.code();
+    }
+    return S_OK;
+}
+
+/// Tells when it is destroyed: it stands for what a coroutine holds.
+class Resource {
+  public:
+    explicit Resource(std::shared_ptr<std::atomic<bool>> gone) : gone(std::move(gone)) {}
+    Resource(Resource&&) = default;
+    ~Resource() {
+        if (gone) {
+            std::this_thread::sleep_for(2ms);  // whoever does not wait for it is caught
+            *gone = true;
+        }
+    }
+
+  private:
+    std::shared_ptr<std::atomic<bool>> gone;
+};
+
+IAsyncAction delay(std::chrono::milliseconds duration) {
+    co_await winrt::resume_after(duration);
+}
+
+IAsyncOperation<int32_t> number(int32_t value, std::chrono::milliseconds duration) {
+    if (duration > 0ms) {
+        co_await winrt::resume_after(duration);
+    }
+    co_return value;
+}
+
+IAsyncAction fail(winrt::hresult code, bool later) {
+    if (later) {
+        co_await winrt::resume_background();
+    }
+    throw winrt::hresult_error(code, L"failed");
+}
+
+}  // namespace
+
+TEST(CoroutineTest, GoesOnWhereItAwaits) {
+    finish([]() -> IAsyncAction {
+        for (int round = 0; round < 20; ++round) {
+            co_await winrt::resume_foreground(dispatcher());
+            EXPECT_TRUE(isOnUIThread());
+            co_await delay(1ms);
+            EXPECT_TRUE(isOnUIThread());
+            EXPECT_EQ(co_await number(round, 1ms), round);
+            EXPECT_TRUE(isOnUIThread());
+            EXPECT_EQ(co_await number(round, 0ms), round);  // has ended before it is awaited
+            EXPECT_TRUE(isOnUIThread());
+
+            co_await winrt::resume_background();
+            EXPECT_FALSE(isOnUIThread());
+            co_await delay(1ms);
+            EXPECT_FALSE(isOnUIThread());
+            co_await dispatcher().RunAsync(CoreDispatcherPriority::Normal,
+                                           [] { EXPECT_TRUE(isOnUIThread()); });
+            EXPECT_FALSE(isOnUIThread());
+
+            co_await winrt::resume_foreground(dispatcher());
+            co_await winrt::resume_after(1ms);
+            EXPECT_FALSE(isOnUIThread());
+        }
+    }());
+}
+
+TEST(CoroutineTest, RunsAtOnceUntilItFirstAwaits) {
+    const auto caller = std::this_thread::get_id();
+    std::thread::id started;
+    std::thread::id afterNoDelay;
+    std::thread::id afterBackground;
+    finish([](auto& started, auto& afterNoDelay, auto& afterBackground) -> IAsyncAction {
+        started = std::this_thread::get_id();
+        co_await winrt::resume_after(0ms);
+        co_await winrt::resume_after(-1h);
+        afterNoDelay = std::this_thread::get_id();
+        co_await winrt::resume_background();
+        afterBackground = std::this_thread::get_id();
+    }(started, afterNoDelay, afterBackground));
+    EXPECT_EQ(started, caller);
+    EXPECT_EQ(afterNoDelay, caller);
+    EXPECT_NE(afterBackground, caller);
+}
+
+TEST(CoroutineTest, DelaysLastAsLongAsTheySay) {
+    const auto begin = std::chrono::steady_clock::now();
+    auto long1 = delay(120ms);
+    auto short1 = delay(30ms);
+    auto long2 = delay(120ms);
+    // Beyond the range of the clock: not now.
+    const auto afterCenturies = std::make_shared<std::atomic<bool>>(false);
+    [](std::shared_ptr<std::atomic<bool>> ended) -> winrt::fire_and_forget {
+        co_await winrt::resume_after(std::chrono::hours(24 * 365 * 290));
+        *ended = true;
+    }(afterCenturies);
+    finish(std::move(short1));
+    const auto first = std::chrono::steady_clock::now() - begin;
+    EXPECT_GE(first, 30ms);
+    finish(std::move(long1));
+    finish(std::move(long2));
+    const auto all = std::chrono::steady_clock::now() - begin;
+    EXPECT_GE(all, 120ms);
+    EXPECT_LT(all, 10s);
+    EXPECT_FALSE(*afterCenturies);
+}
+
+TEST(CoroutineTest, ExceptionsReachTheAwaitingSide) {
+    for (const bool later : {false, true}) {
+        EXPECT_EQ(codeOf([&] { finish(fail(E_BOUNDS, later)); }), E_BOUNDS);
+        EXPECT_THROW(finish([](bool later) -> IAsyncAction {
+                         if (later) {
+                             co_await winrt::resume_foreground(dispatcher());
+                         }
+                         throw std::runtime_error("standard");
+                     }(later)),
+                     std::runtime_error);
+        // Through several levels and threads, and what catches it goes on where it was.
+        finish([](bool later) -> IAsyncAction {
+            co_await winrt::resume_foreground(dispatcher());
+            winrt::hstring message;
+            try {
+                co_await [](bool later) -> IAsyncAction { co_await fail(E_FAIL, later); }(later);
+                ADD_FAILURE() << "went on after a failure";
+            } catch (const winrt::hresult_error& error) {
+                message = error.message();
+            }
+            EXPECT_EQ(message, L"failed");
+            EXPECT_TRUE(isOnUIThread());
+            // Nobody waits for this one: its failure goes nowhere.
+            fail(E_FAIL, later);
+        }(later));
+    }
+}
+
+TEST(CoroutineTest, FrameIsGoneBeforeTheEndIsAnnounced) {
+    for (const bool fails : {false, true}) {
+        for (const bool onUIThread : {false, true}) {
+            finish([](bool fails, bool onUIThread) -> IAsyncAction {
+                if (onUIThread) {
+                    co_await winrt::resume_foreground(dispatcher());
+                }
+                const auto parameterGone = std::make_shared<std::atomic<bool>>(false);
+                const auto localGone = std::make_shared<std::atomic<bool>>(false);
+                auto operation = [](Resource, std::shared_ptr<std::atomic<bool>> localGone,
+                                    bool fails) -> IAsyncAction {
+                    const Resource local(localGone);
+                    co_await winrt::resume_after(2ms);
+                    if (fails) {
+                        throw winrt::hresult_error(E_FAIL);
+                    }
+                }(Resource(parameterGone), localGone, fails);
+                EXPECT_FALSE(*localGone);
+                bool failed = false;
+                try {
+                    co_await operation;
+                } catch (const winrt::hresult_error&) {
+                    failed = true;
+                }
+                EXPECT_EQ(failed, fails);
+                EXPECT_TRUE(*parameterGone);
+                EXPECT_TRUE(*localGone);
+            }(fails, onUIThread));
+        }
+    }
+}
+
+// An operation is awaited once, whether it has ended before or not.
+TEST(CoroutineTest, ResultGoesToTheOneWhoAwaits) {
+    for (const auto duration : {0ms, 2ms}) {
+        const auto operation = number(7, duration);
+        finish([](auto operation) -> IAsyncAction { EXPECT_EQ(co_await operation, 7); }(operation));
+        EXPECT_EQ(
+            codeOf([&] { finish([](auto operation) -> IAsyncAction { co_await operation; }(operation)); }),
+            E_ILLEGAL_DELEGATE_ASSIGNMENT);
+    }
+    // While the first one still waits.
+    const auto pending = delay(50ms);
+    std::promise<void> ended;
+    auto ending = ended.get_future();
+    report(pending, std::move(ended));
+    EXPECT_EQ(codeOf([&] { finish(pending); }), E_ILLEGAL_DELEGATE_ASSIGNMENT);
+    EXPECT_NO_THROW(ending.get());
+}
+
+TEST(CoroutineTest, PostedWorkRunsInOrderAndInTurn) {
+    constexpr int perThread = 500;
+    std::vector<std::vector<int>> order(3);
+    std::atomic<bool> running = false;
+    {
+        std::vector<std::jthread> threads;
+        for (auto& mine : order) {
+            threads.emplace_back([&mine, &running] {
+                for (int i = 0; i < perThread; ++i) {
+                    dispatcher().RunAsync(CoreDispatcherPriority::Normal, [&mine, &running, i] {
+                        EXPECT_FALSE(running.exchange(true)) << "work runs inside other work";
+                        mine.push_back(i);
+                        running = false;
+                    });
+                }
+            });
+        }
+    }
+    finish(dispatcher().RunAsync(CoreDispatcherPriority::Normal, [] {}));
+    std::vector<int> expected(perThread);
+    std::iota(expected.begin(), expected.end(), 0);
+    for (const auto& mine : order) {
+        EXPECT_EQ(mine, expected);
+    }
+}
+
+// What is posted on the thread itself, or resumed there with resume_foreground, waits for its turn too.
+TEST(CoroutineTest, WorkPostedByWorkRunsAfterwards) {
+    std::vector<int> order;
+    finish([](std::vector<int>& order) -> IAsyncAction {
+        co_await winrt::resume_foreground(dispatcher());
+        dispatcher().RunAsync(CoreDispatcherPriority::Normal, [&order] {
+            order.push_back(1);
+            dispatcher().RunAsync(CoreDispatcherPriority::Normal, [&order] { order.push_back(4); });
+            order.push_back(2);
+        });
+        order.push_back(0);
+        co_await winrt::resume_foreground(dispatcher());
+        order.push_back(3);
+        co_await winrt::resume_foreground(dispatcher());
+        order.push_back(5);
+    }(order));
+    EXPECT_EQ(order, (std::vector{0, 1, 2, 3, 4, 5}));
+}
+
+TEST(CoroutineTest, FailureOfPostedWorkIsItsOperationsFailure) {
+    EXPECT_EQ(codeOf([] {
+                  finish(dispatcher().RunAsync(CoreDispatcherPriority::Normal,
+                                               [] { throw winrt::hresult_error(E_ILLEGAL_METHOD_CALL); }));
+              }),
+              E_ILLEGAL_METHOD_CALL);
+    // When nobody waits it goes nowhere, and the queue works on.
+    dispatcher().RunAsync(CoreDispatcherPriority::Normal, [] { throw std::runtime_error("unheard"); });
+    bool ran = false;
+    finish(dispatcher().RunAsync(CoreDispatcherPriority::Normal, [&] { ran = true; }));
+    EXPECT_TRUE(ran);
+}
+
+TEST(CoroutineTest, ThousandsOfOperationsFromManyThreads) {
+    constexpr int threadCount = 4;
+    constexpr int perThread = 500;
+    std::atomic<int64_t> sum = 0;
+    std::atomic<int> wrongThread = 0;
+    {
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < threadCount; ++thread) {
+            threads.emplace_back([&] {
+                std::vector<IAsyncAction> all;
+                for (int32_t i = 0; i < perThread; ++i) {
+                    all.push_back([](int32_t i, auto& sum, auto& wrongThread) -> IAsyncAction {
+                        if (i % 2 == 0) {
+                            co_await winrt::resume_foreground(dispatcher());
+                        }
+                        const bool home = isOnUIThread();
+                        sum += co_await number(i, std::chrono::milliseconds(i % 3));
+                        co_await [](bool hop) -> IAsyncAction {
+                            if (hop) {
+                                co_await winrt::resume_foreground(dispatcher());
+                            }
+                            co_await winrt::resume_background();
+                        }(i % 5 == 0);
+                        wrongThread += isOnUIThread() != home;
+                    }(i, sum, wrongThread));
+                }
+                for (auto& operation : all) {
+                    finish(std::move(operation));
+                }
+            });
+        }
+    }
+    EXPECT_EQ(sum, int64_t{threadCount} * perThread * (perThread - 1) / 2);
+    EXPECT_EQ(wrongThread, 0);
+}
+
+// An operation that has ended already is awaited in place.
+TEST(CoroutineTest, LoopsOverEndedOperationsNeedNoStack) {
+    finish([]() -> IAsyncAction {
+        int64_t sum = 0;
+        for (int32_t i = 0; i < 200'000; ++i) {
+            sum += co_await number(1, 0ms);
+        }
+        EXPECT_EQ(sum, 200'000);
+    }());
+}
+
+TEST(EventTest, HandlersRunInTheOrderOfTheirAdding) {
+    using Handler = TypedEventHandler<int, std::wstring>;
+    winrt::event<Handler> event;
+    event(1, std::wstring(L"nobody listens"));
+    std::vector<std::string> calls;
+    const auto first = event.add([&](int sender, const std::wstring& text) {
+        calls.push_back("first " + std::to_string(sender) + winrt::to_string(text));
+        if (calls.size() == 1) {
+            event.add([&](int, const std::wstring&) { calls.emplace_back("added"); });
+        }
+    });
+    const auto second = event.add([&](auto&&...) { calls.emplace_back("second"); });
+    EXPECT_TRUE(first);
+    EXPECT_NE(first.value, second.value);
+    event(1, std::wstring(L"a"));
+    EXPECT_EQ(calls, (std::vector<std::string>{"first 1a", "second"}));
+    calls = {"again"};
+    event(2, std::wstring(L"b"));
+    EXPECT_EQ(calls, (std::vector<std::string>{"again", "first 2b", "second", "added"}));
+}
+
+TEST(EventTest, AddingAndRaisingMeetOnSeveralThreads) {
+    winrt::event<TypedEventHandler<int, int>> event;
+    std::atomic<int> calls = 0;
+    {
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < 3; ++thread) {
+            threads.emplace_back([&] {
+                for (int i = 0; i < 100; ++i) {
+                    event.add([&](int, int) { ++calls; });
+                    event(0, 0);
+                }
+            });
+        }
+    }
+    EXPECT_GE(calls, 300);
+    calls = 0;
+    event(0, 0);
+    EXPECT_EQ(calls, 300);
+}
