@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <winrt/Windows.Foundation.h>
 
-#include <chrono>
 
 using winrt::Windows::Foundation::Uri;
 
@@ -93,9 +92,7 @@ TEST(UriTest, AcceptsWhatBrowsersNavigateTo) {
 
 TEST(UriTest, TakesMegabytesOfData) {
     const std::string data = "data:text/html;base64," + std::string(8 << 20, 'A');
-    const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(absolute(data), data);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
     const std::string page = "http://example.com/?" + std::string(1 << 20, 'a');
     EXPECT_EQ(absolute(page), page);
 }

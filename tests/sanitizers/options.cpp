@@ -8,7 +8,7 @@
 #if __has_feature(address_sanitizer)
 // A small quarantine, so that the tests which watch the process's memory see the library's and not this.
 ZARVIK_SANITIZER_TEXT(__asan_default_options) {
-    return "strict_string_checks=1:check_initialization_order=1:quarantine_size_mb=16";
+    return "strict_string_checks=1:check_initialization_order=1:quarantine_size_mb=4";
 }
 ZARVIK_SANITIZER_TEXT(__ubsan_default_options) {
     return "print_stacktrace=1";

@@ -43,11 +43,23 @@ TestServer::TestServer(Scheme scheme)
     // Stalled pages must not keep the others waiting.
     server->new_task_queue = [] { return new httplib::ThreadPool(16); };
     server->set_keep_alive_timeout(1);
-    server->set_pre_routing_handler([this](const httplib::Request& request, httplib::Response&) {
-        const std::lock_guard lock(mutex);
-        received.push_back({request.path, {request.headers.begin(), request.headers.end()}});
-        return httplib::Server::HandlerResponse::Unhandled;
-    });
+    // The server's own table of handlers must not change while it runs, and tests add pages at any time.
+    const auto serve = [this](const httplib::Request& request, httplib::Response& response) {
+        Handler handler;
+        {
+            const std::lock_guard lock(mutex);
+            received.push_back({request.path, {request.headers.begin(), request.headers.end()}});
+            const auto found = handlers.find(request.path);
+            if (found == handlers.end()) {
+                response.status = 404;
+                return;
+            }
+            handler = found->second;
+        }
+        handler(request, response);
+    };
+    server->Get(".*", serve);
+    server->Post(".*", serve);
     boundPort = server->bind_to_any_port("127.0.0.1");
     if (boundPort <= 0) {
         throw std::runtime_error("The test server cannot listen on loopback");
@@ -72,8 +84,8 @@ void TestServer::page(const std::string& path, const std::string& body, int stat
 }
 
 void TestServer::on(const std::string& path, Handler handler) {
-    server->Get(path, handler);
-    server->Post(path, handler);
+    const std::lock_guard lock(mutex);
+    handlers[path] = std::move(handler);
 }
 
 void TestServer::stalledPage(const std::string& path) {

@@ -54,6 +54,7 @@ class TestServer {
     int boundPort = 0;
     mutable std::mutex mutex;
     std::vector<Request> received;
+    std::map<std::string, Handler> handlers;
     std::atomic<bool> ending = false;
     std::thread thread;
 };
