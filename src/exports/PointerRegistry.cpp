@@ -30,7 +30,7 @@ std::shared_ptr<UwpWebView> PointerRegistry::find(const void* pointer) {
 
 std::int32_t PointerRegistry::deposit(void* pointer) {
     const std::lock_guard lock(mutex);
-    std::int32_t key;
+    std::int32_t key = 0;
     do {
         key = static_cast<std::int32_t>(counter++);
     } while (pointers.contains(key));

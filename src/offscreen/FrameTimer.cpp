@@ -5,7 +5,7 @@
 #include "platform.h"
 
 std::uint64_t FrameTimer::readFrequency() {
-    LARGE_INTEGER frequency;
+    LARGE_INTEGER frequency{};
     if (!QueryPerformanceFrequency(&frequency)) {
         throw std::runtime_error("QueryPerformanceFrequency");
     }
@@ -13,7 +13,7 @@ std::uint64_t FrameTimer::readFrequency() {
 }
 
 std::uint64_t FrameTimer::readCounter() {
-    LARGE_INTEGER counter;
+    LARGE_INTEGER counter{};
     if (!QueryPerformanceCounter(&counter)) {
         throw std::runtime_error("QueryPerformanceCounter");
     }

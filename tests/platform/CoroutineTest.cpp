@@ -116,20 +116,20 @@ TEST(CoroutineTest, GoesOnWhereItAwaits) {
 
 TEST(CoroutineTest, RunsAtOnceUntilItFirstAwaits) {
     const auto caller = std::this_thread::get_id();
-    std::thread::id started;
-    std::thread::id afterNoDelay;
-    std::thread::id afterBackground;
-    finish([](auto& started, auto& afterNoDelay, auto& afterBackground) -> IAsyncAction {
-        started = std::this_thread::get_id();
+    struct Threads {
+        std::thread::id atStart, afterNoDelay, inBackground;
+    } threads;
+    finish([](Threads* threads) -> IAsyncAction {
+        threads->atStart = std::this_thread::get_id();
         co_await winrt::resume_after(0ms);
         co_await winrt::resume_after(-1h);
-        afterNoDelay = std::this_thread::get_id();
+        threads->afterNoDelay = std::this_thread::get_id();
         co_await winrt::resume_background();
-        afterBackground = std::this_thread::get_id();
-    }(started, afterNoDelay, afterBackground));
-    EXPECT_EQ(started, caller);
-    EXPECT_EQ(afterNoDelay, caller);
-    EXPECT_NE(afterBackground, caller);
+        threads->inBackground = std::this_thread::get_id();
+    }(&threads));
+    EXPECT_EQ(threads.atStart, caller);
+    EXPECT_EQ(threads.afterNoDelay, caller);
+    EXPECT_NE(threads.inBackground, caller);
 }
 
 TEST(CoroutineTest, DelaysLastAsLongAsTheySay) {
@@ -238,6 +238,7 @@ TEST(CoroutineTest, PostedWorkRunsInOrderAndInTurn) {
     std::atomic<bool> running = false;
     {
         std::vector<std::jthread> threads;
+        threads.reserve(order.size());
         for (auto& mine : order) {
             threads.emplace_back([&mine, &running] {
                 for (int i = 0; i < perThread; ++i) {
@@ -261,19 +262,19 @@ TEST(CoroutineTest, PostedWorkRunsInOrderAndInTurn) {
 // What is posted on the thread itself, or resumed there with resume_foreground, waits for its turn too.
 TEST(CoroutineTest, WorkPostedByWorkRunsAfterwards) {
     std::vector<int> order;
-    finish([](std::vector<int>& order) -> IAsyncAction {
+    finish([](std::vector<int>* order) -> IAsyncAction {
         co_await winrt::resume_foreground(dispatcher());
-        dispatcher().RunAsync(CoreDispatcherPriority::Normal, [&order] {
-            order.push_back(1);
-            dispatcher().RunAsync(CoreDispatcherPriority::Normal, [&order] { order.push_back(4); });
-            order.push_back(2);
+        dispatcher().RunAsync(CoreDispatcherPriority::Normal, [order] {
+            order->push_back(1);
+            dispatcher().RunAsync(CoreDispatcherPriority::Normal, [order] { order->push_back(4); });
+            order->push_back(2);
         });
-        order.push_back(0);
+        order->push_back(0);
         co_await winrt::resume_foreground(dispatcher());
-        order.push_back(3);
+        order->push_back(3);
         co_await winrt::resume_foreground(dispatcher());
-        order.push_back(5);
-    }(order));
+        order->push_back(5);
+    }(&order));
     EXPECT_EQ(order, (std::vector{0, 1, 2, 3, 4, 5}));
 }
 
@@ -297,24 +298,26 @@ TEST(CoroutineTest, ThousandsOfOperationsFromManyThreads) {
     std::atomic<int> wrongThread = 0;
     {
         std::vector<std::jthread> threads;
+        threads.reserve(threadCount);
         for (int thread = 0; thread < threadCount; ++thread) {
             threads.emplace_back([&] {
                 std::vector<IAsyncAction> all;
+                all.reserve(perThread);
                 for (int32_t i = 0; i < perThread; ++i) {
-                    all.push_back([](int32_t i, auto& sum, auto& wrongThread) -> IAsyncAction {
+                    all.push_back([](int32_t i, auto* sum, auto* wrongThread) -> IAsyncAction {
                         if (i % 2 == 0) {
                             co_await winrt::resume_foreground(dispatcher());
                         }
                         const bool home = isOnUIThread();
-                        sum += co_await number(i, std::chrono::milliseconds(i % 3));
+                        *sum += co_await number(i, std::chrono::milliseconds(i % 3));
                         co_await [](bool hop) -> IAsyncAction {
                             if (hop) {
                                 co_await winrt::resume_foreground(dispatcher());
                             }
                             co_await winrt::resume_background();
                         }(i % 5 == 0);
-                        wrongThread += isOnUIThread() != home;
-                    }(i, sum, wrongThread));
+                        *wrongThread += isOnUIThread() != home;
+                    }(i, &sum, &wrongThread));
                 }
                 for (auto& operation : all) {
                     finish(std::move(operation));
@@ -363,6 +366,7 @@ TEST(EventTest, AddingAndRaisingMeetOnSeveralThreads) {
     std::atomic<int> calls = 0;
     {
         std::vector<std::jthread> threads;
+        threads.reserve(3);
         for (int thread = 0; thread < 3; ++thread) {
             threads.emplace_back([&] {
                 for (int i = 0; i < 100; ++i) {

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <winrt/Windows.Foundation.h>
 
-
 using winrt::Windows::Foundation::Uri;
 
 namespace {

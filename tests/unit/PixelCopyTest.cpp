@@ -66,7 +66,7 @@ constexpr Size pictureSizes[] = {{8, 6}, {3, 6}, {8, 2}, {3, 2},  {11, 9}, {11, 
 std::vector<std::size_t> byteCounts(const Size& size) {
     const auto right =
         static_cast<std::size_t>(std::max(size.width, 0)) * std::max(size.height, 0) * bytesPerPixel;
-    const std::size_t mapped = 8 * 6 * bytesPerPixel;
+    const std::size_t mapped = 8 * bytesPerPixel * 6;
     return {0, 1, right / 2, right - std::min<std::size_t>(right, 1), right, right + 1, right * 2, mapped};
 }
 
@@ -81,7 +81,7 @@ TEST(PixelCopyTest, EveryPictureFitsEveryTexture) {
                 const auto picture = makePicture(count);
                 const PixelView view{size.width, size.height, picture};
                 // The last row of a mapped texture may lack its padding.
-                GuardedBytes texture((height - 1) * pitch + width * bytesPerPixel);
+                GuardedBytes texture(std::size_t{height - 1} * pitch + width * bytesPerPixel);
                 copyToTexture(view, texture.bytes().data(), pitch, width, height);
                 ASSERT_TRUE(texture.isIntact())
                     << size.width << "x" << size.height << " of " << count << " bytes, pitch " << pitch;
@@ -102,7 +102,7 @@ TEST(PixelCopyTest, EveryPictureFitsEveryTexture) {
 // A pitch that is the width in pixels, or none at all, means a texture without gaps.
 TEST(PixelCopyTest, PitchInPixelsMeansPackedRows) {
     for (const std::uint32_t pitch : {0U, 8U}) {
-        const auto picture = makePicture(8 * 6 * bytesPerPixel);
+        const auto picture = makePicture(8 * bytesPerPixel * 6);
         GuardedBytes texture(picture.size());
         copyToTexture({8, 6, picture}, texture.bytes().data(), pitch, 8, 6);
         EXPECT_TRUE(texture.isIntact());
@@ -116,7 +116,7 @@ TEST(PixelCopyTest, UnusablePitchStaysInsideTheTexture) {
         for (const Size& size : pictureSizes) {
             for (const std::size_t count : byteCounts(size)) {
                 const auto picture = makePicture(count);
-                GuardedBytes texture(8 * 6 * bytesPerPixel);
+                GuardedBytes texture(8 * bytesPerPixel * 6);
                 copyToTexture({size.width, size.height, picture}, texture.bytes().data(), pitch, 8, 6);
                 ASSERT_TRUE(texture.isIntact()) << size.width << "x" << size.height << " of " << count;
             }
@@ -125,7 +125,7 @@ TEST(PixelCopyTest, UnusablePitchStaysInsideTheTexture) {
 }
 
 TEST(PixelCopyTest, EmptyTextureTakesNothing) {
-    const auto picture = makePicture(8 * 6 * bytesPerPixel);
+    const auto picture = makePicture(8 * bytesPerPixel * 6);
     for (const auto& [width, height] : {std::pair{0U, 6U}, {8U, 0U}, {0U, 0U}}) {
         for (const std::uint32_t pitch : {0U, 8U, 32U}) {
             GuardedBytes texture(0);

@@ -106,6 +106,7 @@ TEST_F(PointerRegistryTest, ServesManyThreads) {
     std::multiset<std::int32_t> keys;
     {
         std::vector<std::jthread> threads;
+        threads.reserve(threadCount);
         for (int thread = 0; thread < threadCount; ++thread) {
             threads.emplace_back([&] {
                 std::vector<std::int32_t> mine;

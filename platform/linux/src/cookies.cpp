@@ -39,7 +39,7 @@ void require(bool condition, wchar_t const* otherwise) {
 /// Whether the text has no control character and none of the others. The engine drops what has, silently.
 bool is_clean(std::string_view text, std::string_view others) {
     return std::ranges::none_of(text, [&](char character) {
-        return g_ascii_iscntrl(character) || others.find(character) != others.npos;
+        return g_ascii_iscntrl(character) || others.find(character) != std::string_view::npos;
     });
 }
 
@@ -51,7 +51,8 @@ std::string checked_domain(std::string const& text) {
     require(ascii && *ascii != '\0', refusal);
     glib_text const host(g_ascii_strdown(ascii.get(), -1));
     std::string_view const name = host.get();
-    require(is_clean(text, " ;,/:@?#\\%[]") && name.find("..") == name.npos && !name.starts_with('.'),
+    require(is_clean(text, " ;,/:@?#\\%[]") && name.find("..") == std::string_view::npos &&
+                !name.starts_with('.'),
             refusal);
     require(g_hostname_is_ip_address(host.get()) || !soup_tld_domain_is_public_suffix(host.get()),
             L"The cookie's domain is a public suffix, under which anybody can have a host.");

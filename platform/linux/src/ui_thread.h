@@ -9,7 +9,7 @@
 
 #include <winrt/base.h>
 
-typedef struct _GSource GSource;
+using GSource = struct _GSource;
 
 namespace runtime {
 

@@ -30,7 +30,7 @@ inline auto resume_foreground(
     Windows::UI::Core::CoreDispatcherPriority priority = Windows::UI::Core::CoreDispatcherPriority::Normal) {
     struct awaiter {
         Windows::UI::Core::CoreDispatcher dispatcher;
-        Windows::UI::Core::CoreDispatcherPriority priority;
+        Windows::UI::Core::CoreDispatcherPriority priority{};
 
         bool await_ready() const noexcept { return false; }
         bool await_resume() const noexcept { return true; }

@@ -66,7 +66,7 @@ class async_object : public object {
 
   private:
     template <typename Store>
-    void finish(Store&& store) {
+    void finish(Store const& store) {
         std::coroutine_handle<> continuation;
         {
             std::lock_guard guard(lock);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace winrt {
 
@@ -49,7 +50,7 @@ namespace param {
 struct hstring {
     hstring() = default;
     hstring(std::nullptr_t) = delete;
-    hstring(winrt::hstring const& text) : value(text) {}
+    hstring(winrt::hstring text) : value(std::move(text)) {}
     hstring(wchar_t const* text) : value(text) {}
     hstring(std::wstring const& text) : value(std::wstring_view(text)) {}
     hstring(std::wstring_view text) : value(text) {}
