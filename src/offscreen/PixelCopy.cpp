@@ -1,7 +1,6 @@
 #include "offscreen/PixelCopy.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
@@ -30,12 +29,12 @@ void copyToTexture(const PixelView& source, std::uint8_t* texture, std::uint32_t
     // The pitch is in bytes and the width in pixels; a driver that reports the one as the other, or nothing,
     // has no padding.
     if ((rowPitch == textureWidth || rowPitch == 0) && source.bytes.size() == textureBytes) {
-        std::memcpy(texture, source.bytes.data(), textureBytes);
+        std::ranges::copy(source.bytes, texture);
         return;
     }
     forEachRow(source, textureWidth, textureHeight,
                [&](std::size_t row, std::span<const std::uint8_t> bytes) {
-                   std::memcpy(texture + row * rowPitch, bytes.data(), bytes.size());
+                   std::ranges::copy(bytes, texture + row * rowPitch);
                });
 }
 
@@ -47,7 +46,7 @@ std::vector<std::uint8_t> fitPixels(const PixelView& source, std::int32_t width,
     std::vector<std::uint8_t> target(targetRowBytes * targetHeight);
     forEachRow(source, targetWidth, targetHeight, [&](std::size_t row, std::span<const std::uint8_t> bytes) {
         const std::size_t targetRow = order == RowOrder::topDown ? row : targetHeight - 1 - row;
-        std::memcpy(target.data() + targetRow * targetRowBytes, bytes.data(), bytes.size());
+        std::ranges::copy(bytes, target.data() + targetRow * targetRowBytes);
     });
     return target;
 }
