@@ -20,7 +20,8 @@ template <typename Operation>
 auto await(Operation operation) {
     using Result = decltype(operation.operator co_await().await_resume());
     std::promise<Result> promise;
-    [](Operation operation, std::promise<Result>& promise) -> winrt::fire_and_forget {
+    auto result = promise.get_future();
+    [](Operation operation, std::promise<Result> promise) -> winrt::fire_and_forget {
         try {
             if constexpr (std::is_void_v<Result>) {
                 co_await operation;
@@ -31,8 +32,8 @@ auto await(Operation operation) {
         } catch (...) {
             promise.set_exception(std::current_exception());
         }
-    }(std::move(operation), promise);
-    return promise.get_future().get();
+    }(std::move(operation), std::move(promise));
+    return result.get();
 }
 
 template <typename Action>
@@ -156,10 +157,11 @@ TEST(ImagingTest, EncoderUndoesTheMultiplicationWithAlpha) {
         return alpha == 0 ? 0 : std::min(255, static_cast<int>(std::floor(colour * 255.0 / alpha + 0.5)));
     };
     int differences = 0;
-    for (int y = 0; y < 256; ++y) {
-        const auto* row = gdk_pixbuf_read_pixels(image.get()) + y * gdk_pixbuf_get_rowstride(image.get());
-        for (int x = 0; x < 256; ++x) {
-            const auto* in = &pixels[static_cast<size_t>(y * 256 + x) * 4];
+    const auto rowSize = static_cast<size_t>(gdk_pixbuf_get_rowstride(image.get()));
+    for (size_t y = 0; y < 256; ++y) {
+        const auto* row = gdk_pixbuf_read_pixels(image.get()) + y * rowSize;
+        for (size_t x = 0; x < 256; ++x) {
+            const auto* in = &pixels[(y * 256 + x) * 4];
             const auto* out = row + x * 4;
             differences += out[0] != straight(in[2], in[3]) || out[1] != straight(in[1], in[3]) ||
                            out[2] != straight(in[0], in[3]) || out[3] != in[3];

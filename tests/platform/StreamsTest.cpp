@@ -28,7 +28,7 @@ uint32_t load(const DataReader& reader, uint32_t count) {
 std::string take(const DataReader& reader, uint32_t count) {
     std::vector<uint8_t> taken(count);
     reader.ReadBytes(taken);
-    return std::string(taken.begin(), taken.end());
+    return {taken.begin(), taken.end()};
 }
 
 }  // namespace

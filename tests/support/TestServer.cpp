@@ -133,7 +133,7 @@ int closedPort() {
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof address;
-    if (bind(probe, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
+    if (probe < 0 || bind(probe, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
         getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
         throw std::runtime_error("No free port on loopback");
     }
