@@ -11,9 +11,10 @@ build="${1:-$root/build/linux}"
 
 # Prints source and result file of every source of ours that needs a look, each ended by a NUL.
 outdated() {
-    local source object result
-    sed -nE 's/^  "(file|output)": "(.*)",?$/\2/p' "$build/compile_commands.json" |
-        while IFS= read -r source && IFS= read -r object; do
+    local object source result
+    # Of each command its output and its source, which is the last argument.
+    sed -nE 's/^ *"command": ".* -o ([^ ]+) -c ([^ ]+)",?$/\1 \2/p' "$build/compile_commands.json" |
+        while read -r object source; do
             case "$source" in
                 "$root"/build/*) continue ;;
                 "$root"/*) ;;

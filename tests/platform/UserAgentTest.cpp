@@ -19,7 +19,7 @@ std::string get() {
     DWORD length = 0;
     EXPECT_EQ(UrlMkGetSessionOption(URLMON_OPTION_USERAGENT, buffer.data(), 300, &length, 0), S_OK);
     EXPECT_EQ(buffer.at(length - 1), '\0');
-    return std::string(buffer.data(), length - 1);
+    return {buffer.data(), length - 1};
 }
 
 class UserAgentTest : public testing::Test {
