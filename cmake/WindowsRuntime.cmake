@@ -4,6 +4,8 @@
 set(sdk_architecture "${ZARVIK_UWP_ARCHITECTURE}")
 add_library(windows_runtime INTERFACE)
 target_include_directories(windows_runtime SYSTEM INTERFACE "${ZARVIK_WINDOWS}/include")
+# The projection of our own component.
+target_include_directories(windows_runtime INTERFACE "${PROJECT_SOURCE_DIR}/src/bridge/projection")
 target_compile_definitions(windows_runtime INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
 target_link_libraries(
     windows_runtime

@@ -19,10 +19,12 @@
 #include <winrt/Windows.UI.Xaml.Media.Imaging.h>
 #include <winrt/Windows.UI.Xaml.Media.h>
 #include <winrt/Windows.UI.Xaml.h>
+#include <winrt/Windows.UI.h>
 #include <winrt/Windows.Web.Http.Filters.h>
 #include <winrt/Windows.Web.Http.Headers.h>
 #include <winrt/Windows.Web.Http.h>
 #include <winrt/Windows.Web.h>
+#include <winrt/ZarvikWebViewRuntimeComponent.h>
 
 namespace controls = winrt::Windows::UI::Xaml::Controls;
 namespace foundation = winrt::Windows::Foundation;

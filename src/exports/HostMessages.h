@@ -5,6 +5,7 @@ namespace messages {
 
 inline constexpr const char* canGoBackResult = "HandleCanGoBackResult";
 inline constexpr const char* canGoForwardResult = "HandleCanGoForwardResult";
+inline constexpr const char* javaScriptResult = "HandleJavaScriptResult";
 inline constexpr const char* loadFailed = "HandleLoadFailed";
 inline constexpr const char* loadFinished = "HandleLoadFinished";
 inline constexpr const char* loadProgressUpdate = "HandleLoadProgressUpdate";

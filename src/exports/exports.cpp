@@ -10,7 +10,6 @@
 #include "exports/LogTexts.h"
 #include "exports/PointerRegistry.h"
 #include "exports/ProcessSettings.h"
-#include "exports/Unavailable.h"
 #include "exports/UserAgent.h"
 #include "exports/ZarvikOrvella.h"
 #include "offscreen/EngineTexture.h"
@@ -164,54 +163,54 @@ void WebView_canGoForward(UwpWebView* instance) {
 
 // Scripts
 
-void WebView_executeJavaScript(UwpWebView*, const char*, const char*) {
-    reportUnavailable(__func__);
+void WebView_executeJavaScript(UwpWebView* instance, const char* javaScript, const char* resultCallbackId) {
+    withView(__func__, instance,
+             [&](UwpWebView& view) { view.executeJavaScript(text(javaScript), text(resultCallbackId)); });
 }
 
 void WebView_setConsoleMessageEventsEnabled(UwpWebView* instance, ZarvikBool enabled) {
     withView(__func__, instance,
              [&](UwpWebView& view) { view.setConsoleMessageEventsEnabled(enabled != 0); });
-    reportUnavailable(__func__);
 }
 
 void WebView_setFocusedInputFieldEventsEnabled(UwpWebView* instance, ZarvikBool enabled) {
     withView(__func__, instance,
              [&](UwpWebView& view) { view.setFocusedInputFieldEventsEnabled(enabled != 0); });
-    reportUnavailable(__func__);
 }
 
 // Input
 
-void WebView_click(UwpWebView*, int32_t, int32_t) {
-    reportUnavailable(__func__);
+void WebView_click(UwpWebView* instance, int32_t x, int32_t y) {
+    withView(__func__, instance, [&](UwpWebView& view) { view.click(x, y); });
 }
 
-void WebView_pointerDown(UwpWebView*, int32_t, int32_t, int32_t, int32_t) {
-    reportUnavailable(__func__);
+void WebView_pointerDown(UwpWebView* instance, int32_t x, int32_t y, int32_t mouseButton,
+                         int32_t clickCount) {
+    withView(__func__, instance, [&](UwpWebView& view) { view.pointerDown(x, y, mouseButton, clickCount); });
 }
 
-void WebView_pointerUp(UwpWebView*, int32_t, int32_t, int32_t, int32_t) {
-    reportUnavailable(__func__);
+void WebView_pointerUp(UwpWebView* instance, int32_t x, int32_t y, int32_t mouseButton, int32_t clickCount) {
+    withView(__func__, instance, [&](UwpWebView& view) { view.pointerUp(x, y, mouseButton, clickCount); });
 }
 
-void WebView_movePointer(UwpWebView*, int32_t, int32_t, ZarvikBool) {
-    reportUnavailable(__func__);
+void WebView_movePointer(UwpWebView* instance, int32_t x, int32_t y, ZarvikBool pointerLeave) {
+    withView(__func__, instance, [&](UwpWebView& view) { view.movePointer(x, y, pointerLeave != 0); });
 }
 
-void WebView_scroll(UwpWebView*, int32_t, int32_t) {
-    reportUnavailable(__func__);
+void WebView_scroll(UwpWebView* instance, int32_t deltaX, int32_t deltaY) {
+    withView(__func__, instance, [&](UwpWebView& view) { view.scroll(deltaX, deltaY); });
 }
 
-void WebView_scrollAtPoint(UwpWebView*, int32_t, int32_t, int32_t, int32_t) {
-    reportUnavailable(__func__);
+void WebView_scrollAtPoint(UwpWebView* instance, int32_t deltaX, int32_t deltaY, int32_t x, int32_t y) {
+    withView(__func__, instance, [&](UwpWebView& view) { view.scrollAtPoint(deltaX, deltaY, x, y); });
 }
 
-void WebView_sendKey(UwpWebView*, const char*) {
-    reportUnavailable(__func__);
+void WebView_sendKey(UwpWebView* instance, const char* key) {
+    withView(__func__, instance, [&](UwpWebView& view) { view.sendKey(text(key)); });
 }
 
-void WebView_setFocused(UwpWebView*, ZarvikBool) {
-    reportUnavailable(__func__);
+void WebView_setFocused(UwpWebView* instance, ZarvikBool focused) {
+    withView(__func__, instance, [&](UwpWebView& view) { view.setFocused(focused != 0); });
 }
 
 // Keys under which the render callback finds its web view

@@ -18,6 +18,23 @@ inline constexpr const char* noSavedWindowContent =
     "UwpWebView::handleMixedRealityAppFocusChanged is unable to restore the window content because it is "
     "null";
 
+inline constexpr const char* scriptThrew =
+    "Just a heads-up: a script executed with ExecuteJavaScript() threw an error, which caused UWP's WebView "
+    "to "
+    "trigger a COMException (HRresult 0x80020101). When running in Visual Studio, this causes the debugger "
+    "to "
+    "pause execution, but you can safely resume execution by pressing the play button in the Visual Studio "
+    "debugger.";
+inline constexpr const char* scriptFailed =
+    "An unexpected exception occurred while executing InvokeScriptAsync. HResult: ";
+/// Not for the log: the engine gets it in place of the result.
+inline constexpr const char* scriptResultMissing =
+    "Error: An unexpected error occurred while executing the script with ExecuteJavaScript(). This can "
+    "happen "
+    "if ExecuteJavaScript() is called when the page isn't loaded yet. Please use "
+    "IWebView.LoadProgressChanged to detect when the page has finished loading. For more info, please check "
+    "the Unity player logs.";
+
 inline constexpr const char* loadFailed = "Page load failed with WebErrorStatus: ";
 inline constexpr const char* cannotLoadUrl = "Cannot load the URL ";
 inline constexpr const char* invalidHeader = "The following header is invalid and will be ignored: ";

@@ -138,7 +138,6 @@ void UwpWebView::domContentLoadedStep() {
     if (destroyed) {
         return;
     }
-    loadPending = false;
     domContentLoaded = true;
     sendMessage(messages::loadProgressUpdate, "0.66");
 }

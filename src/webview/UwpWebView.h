@@ -68,10 +68,24 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     void canGoBack();
     void canGoForward();
 
-    // Flags that take effect at the next page load.
-    void setConsoleMessageEventsEnabled(bool enabled) { consoleMessageEventsEnabled = enabled; }
+    // Scripts.
+    /// Runs a script in the page. With a callback id its result, or what it threw, is sent as text in
+    /// "HandleJavaScriptResult"; exactly one answer comes as long as the instance is not destroyed.
+    void executeJavaScript(std::string script, std::string resultCallbackId);
+    void setConsoleMessageEventsEnabled(bool enabled);
+    void setFocusedInputFieldEventsEnabled(bool enabled);
+    /// Takes effect at the next page load.
     void setDefaultBackgroundEnabled(bool enabled) { defaultBackgroundEnabled = enabled; }
-    void setFocusedInputFieldEventsEnabled(bool enabled) { focusedInputFieldEventsEnabled = enabled; }
+
+    // Input, in engine coordinates. Pressing and typing give the view the focus.
+    void click(std::int32_t x, std::int32_t y);
+    void pointerDown(std::int32_t x, std::int32_t y, std::int32_t mouseButton, std::int32_t clickCount);
+    void pointerUp(std::int32_t x, std::int32_t y, std::int32_t mouseButton, std::int32_t clickCount);
+    void movePointer(std::int32_t x, std::int32_t y, bool pointerLeave);
+    void scroll(std::int32_t deltaX, std::int32_t deltaY);
+    void scrollAtPoint(std::int32_t deltaX, std::int32_t deltaY, std::int32_t x, std::int32_t y);
+    void sendKey(std::string key);
+    void setFocused(bool focused);
 
     // Messages to the engine, on any thread.
     bool sendMessage(const std::string& methodName, const std::string& payload) const;
@@ -100,6 +114,16 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     template <typename Navigation>
     void startLoad(const std::string& url, Navigation navigate);
 
+    // The page's side. UI thread.
+    /// Puts the object into the page about to load through which it sends messages.
+    void addPageBridge();
+    void injectPageScripts();
+    void onPageMessage(const std::string& message);
+    void applyBackground(bool transparent);
+    void runScript(const std::string& script, const std::string& resultCallbackId);
+    static foundation::IAsyncAction invokeScript(std::shared_ptr<UwpWebView> view, winrt::hstring script,
+                                                 std::string resultCallbackId);
+
     // Handlers of the control's events. UI thread.
     void onNavigationStarting(const controls::WebViewNavigationStartingEventArgs& arguments);
     void onContentLoading(const controls::WebViewContentLoadingEventArgs& arguments);
@@ -110,7 +134,8 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     template <typename Arguments>
     auto whileAlive(void (UwpWebView::*handler)(const Arguments&));
 
-    std::atomic<bool> loadPending{false};
+    /// Whether a page has had its agent started.
+    std::atomic<bool> agentRunning{false};
     std::atomic<bool> consoleMessageEventsEnabled{false};
     std::atomic<bool> defaultBackgroundEnabled{true};
     std::atomic<bool> focusedInputFieldEventsEnabled{false};

@@ -36,7 +36,6 @@ void UwpWebView::subscribeToEvents(const controls::WebView& control) {
 }
 
 void UwpWebView::onNavigationStarting(const controls::WebViewNavigationStartingEventArgs& arguments) {
-    loadPending = true;
     // A page given as text has no URL on Windows.
     const auto uri = arguments.Uri();
     const std::string url = uri ? winrt::to_string(uri.AbsoluteUri()) : "about:blank";
@@ -45,12 +44,14 @@ void UwpWebView::onNavigationStarting(const controls::WebViewNavigationStartingE
         local_content::loadPdf(*this, url);
         return;
     }
+    addPageBridge();
     sendMessage(messages::messageEmitted, urlChangedMessage(url));
     sendMessage(messages::loadStarted, "");
 }
 
 void UwpWebView::onContentLoading(const controls::WebViewContentLoadingEventArgs&) {
     sendMessage(messages::loadProgressUpdate, "0.33");
+    injectPageScripts();
 }
 
 void UwpWebView::onDOMContentLoaded(const controls::WebViewDOMContentLoadedEventArgs&) {

@@ -1,4 +1,4 @@
-// The boundary itself: callbacks that are missing, log lines, functions of later subsystems.
+// The boundary itself: callbacks that are missing, log lines, texts of any kind.
 
 #include <regex>
 #include <thread>

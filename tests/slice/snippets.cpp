@@ -364,6 +364,61 @@ IAsyncOperation<bool> operationWithoutResult() {
 }
 #endif
 
+// Pages
+// -------------------------------------------------------------------------------------------------------------
+
+IAsyncAction pages(controls::WebView view, hstring text, std::wstring standard) {
+    using winrt::ZarvikWebViewRuntimeComponent::JavaScriptBridge;
+    const hstring one = co_await view.InvokeScriptAsync(L"eval", {text});
+    const hstring several = co_await view.InvokeScriptAsync(standard, {text, L"a", hstring(standard)});
+    const hstring none = co_await view.InvokeScriptAsync(text, nullptr);
+    const hstring list = co_await view.InvokeScriptAsync(text, std::vector<hstring>{text});
+    (void)(one == several && none == list);
+#ifdef refused_script_result_as_standard_text
+    const std::wstring result = co_await view.InvokeScriptAsync(L"eval", {text});
+#endif
+#ifdef refused_standard_text_as_script_argument
+    co_await view.InvokeScriptAsync(L"eval", {standard});
+#endif
+#ifdef refused_utf8_as_script_argument
+    co_await view.InvokeScriptAsync(L"eval", {std::string("1")});
+#endif
+#ifdef refused_script_argument_outside_of_a_list
+    co_await view.InvokeScriptAsync(L"eval", text);
+#endif
+#ifdef refused_call_without_a_list
+    co_await view.InvokeScriptAsync(L"eval");
+#endif
+#ifdef refused_list_that_stays
+    const std::vector<hstring> kept{text};
+    co_await view.InvokeScriptAsync(L"eval", kept);
+#endif
+    const JavaScriptBridge bridge;
+    const JavaScriptBridge null{nullptr};
+    const winrt::event_token token = bridge.MessageEmitted([](const hstring& message) { (void)message; });
+    bridge.MessageEmitted([](winrt::hstring message) { (void)message; });
+    bridge.MessageEmitted(token);
+    bridge.postMessage(L"text");
+    bridge.postMessage(standard);
+    view.AddWebAllowedObject(L"bridge", bridge);
+#ifdef refused_handler_of_standard_text
+    bridge.MessageEmitted([](const std::wstring& message) { (void)message; });
+#endif
+#ifdef refused_handler_of_message_without_parameters
+    bridge.MessageEmitted([] {});
+#endif
+#ifdef refused_text_as_object_for_pages
+    view.AddWebAllowedObject(L"bridge", L"text");
+#endif
+    view.DefaultBackgroundColor({0, 0, 0, 0});
+    view.DefaultBackgroundColor(winrt::Windows::UI::Colors::Transparent());
+    const winrt::Windows::UI::Color color = view.DefaultBackgroundColor();
+    (void)(color == winrt::Windows::UI::Colors::White());
+#ifdef refused_number_as_color
+    view.DefaultBackgroundColor(0xFFFFFFFF);
+#endif
+}
+
 // Errors
 // ------------------------------------------------------------------------------------------------------------
 

@@ -11,11 +11,31 @@ std::string urlChanged(const std::string& url) {
            url + R"(" }})";
 }
 
+namespace {
+
+/// Calls until it is true.
+bool poll(const std::function<bool()>& satisfied) {
+    const auto limit = std::chrono::steady_clock::now() + Recorder::defaultTimeout;
+    while (!satisfied()) {
+        if (std::chrono::steady_clock::now() >= limit) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+}
+
+bool isFromAgent(const zarvik::host::Record& record) {
+    return record.method == "HandleMessageEmitted" && record.payload.starts_with(R"({"type":"zarvik.)");
+}
+
+}  // namespace
+
 std::vector<std::string> EngineTest::messagesSince(std::size_t position, const View& view) {
     std::vector<std::string> messages;
     for (const auto& record : recorder().since(position)) {
         if (record.kind == Record::Kind::message && record.target == view.target() &&
-            record.method != "HandleTextureChanged") {
+            record.method != "HandleTextureChanged" && !isFromAgent(record)) {
             messages.push_back(record.payload.empty() ? record.method : record.method + " " + record.payload);
         }
     }
@@ -55,12 +75,12 @@ void EngineTest::loadHtml(View& view, const std::string& html) {
 }
 
 bool EngineTest::waitForPixels(const View& view, const std::function<bool(const Image&)>& expected) {
-    const auto limit = std::chrono::steady_clock::now() + Recorder::defaultTimeout;
-    while (std::chrono::steady_clock::now() < limit) {
-        if (const auto image = view.readPixels(); !image.pixels.empty() && expected(image)) {
-            return true;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return false;
+    return poll([&] {
+        const auto image = view.readPixels();
+        return !image.pixels.empty() && expected(image);
+    });
+}
+
+bool EngineTest::waitForResult(const View& view, const std::string& script, const std::string& expected) {
+    return poll([&] { return view.evaluate(script) == expected; });
 }

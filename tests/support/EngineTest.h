@@ -22,7 +22,7 @@ class EngineTest : public testing::Test {
     zarvik::host::Recorder& recorder() { return engine.recorder(); }
 
     /// The host messages that a view sent since a position, each as its method, a blank and its payload,
-    /// without those about textures.
+    /// without those about textures and without what the agent in the page reports.
     std::vector<std::string> messagesSince(std::size_t position, const View& view);
 
     /// The error lines since a position, without their times.
@@ -32,6 +32,9 @@ class EngineTest : public testing::Test {
     /// Loads and expects success.
     void load(View& view, const std::string& url);
     void loadHtml(View& view, const std::string& html);
+
+    /// Waits until a script's result is the one expected.
+    bool waitForResult(const View& view, const std::string& script, const std::string& expected);
 
     /// Waits until the engine's texture shows what is expected.
     bool waitForPixels(const View& view, const std::function<bool(const Image&)>& expected);

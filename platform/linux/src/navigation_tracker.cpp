@@ -29,6 +29,7 @@ char const* const navigation_tracker::script = R"((() => {
     }
     window.runtimeInstalled = true;
     const post = (text) => webkit.messageHandlers.navigation.postMessage(text);
+    post('content');
     document.addEventListener('DOMContentLoaded', () => post('loaded'));
     addEventListener('pageshow', (event) => event.persisted && post('loaded'));
     window.navigation?.addEventListener('navigate', (event) => {
@@ -78,7 +79,9 @@ bool navigation_tracker::begin(std::string const& target) {
     uri = target;
     status = 0;
     redirected = false;
+    content_loaded = false;
     document_loaded = false;
+    handlers.accepted();
     return true;
 }
 
@@ -169,7 +172,11 @@ void navigation_tracker::handle_message(std::string const& message) {
     if (message.starts_with(navigate)) {
         announced = message.substr(navigate.size());
         announced_at = g_get_monotonic_time();
-    } else if (state == phase::committed) {
+    } else if (state != phase::committed) {
+        return;
+    } else if (message == "content") {
+        load_content();
+    } else {
         load_document();
     }
 }
@@ -225,18 +232,29 @@ void navigation_tracker::commit() {
     }
     uri = committed;
     state = phase::committed;
-    handlers.content_loading();
+}
+
+void navigation_tracker::load_content() {
+    if (!std::exchange(content_loaded, true)) {
+        handlers.content_loading();
+    }
 }
 
 void navigation_tracker::load_document() {
-    if (!std::exchange(document_loaded, true)) {
+    auto const own = generation;
+    load_content();
+    if (own == generation && !std::exchange(document_loaded, true)) {
         handlers.dom_content_loaded();
     }
 }
 
 void navigation_tracker::finish_load() {
     if (state == phase::committed) {
+        auto const own = generation;
         load_document();
+        if (own != generation) {
+            return;  // a handler has started another navigation
+        }
         constexpr guint first_error = 400;
         complete(status >= first_error ? std::optional(static_cast<WebErrorStatus>(status)) : std::nullopt);
     } else if (state == phase::started && !webkit_web_view_is_loading(view)) {

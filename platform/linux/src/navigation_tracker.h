@@ -21,6 +21,9 @@ class navigation_tracker {
     struct events {
         /// Returns whether the navigation may go on.
         std::function<bool(std::string const& uri)> starting;
+        /// The navigation goes on; its load begins afterwards.
+        std::function<void()> accepted;
+        /// The new document is there and the scripts of its start have run, its own not yet.
         std::function<void()> content_loading;
         std::function<void()> dom_content_loaded;
         /// The error is empty for a successful load.
@@ -45,7 +48,6 @@ class navigation_tracker {
     /// The script that announces navigations and document events, and the name of its message handler.
     static char const* const script;
     static char const* const hiding_script;
-    static constexpr char const* world = "runtime";
     static constexpr char const* handler = "navigation";
 
   private:
@@ -66,6 +68,7 @@ class navigation_tracker {
     void handle_message(std::string const& message);
     void start();
     void commit();
+    void load_content();
     void load_document();
     void finish_load();
     void fail(std::string const& uri, GError const& error);
@@ -81,6 +84,7 @@ class navigation_tracker {
     int64_t announced_at = 0;
     guint status = 0;
     bool redirected = false;
+    bool content_loaded = false;
     bool document_loaded = false;
     guint move_timer = 0;
     uint64_t generation = 0;

@@ -23,6 +23,9 @@ struct cairo_objects {
     cairo_objects& operator=(cairo_objects const&) = delete;
 };
 
+/// More than any widget's area.
+constexpr cairo_rectangle_int_t everything{0, 0, 1 << 20, 1 << 20};
+
 /// How many pictures are kept for reuse: one that the receiver still shows, one to paint the next into.
 constexpr size_t kept_canvases = 2;
 
@@ -33,7 +36,6 @@ view_surface::canvas::canvas(int32_t width, int32_t height)
       width(width),
       height(height) {
     // Everything is stale at first, whatever the widget's size is.
-    cairo_rectangle_int_t const everything{0, 0, 1 << 20, 1 << 20};
     stale = cairo_region_create_rectangle(&everything);
 }
 
@@ -58,6 +60,14 @@ view_surface::~view_surface() {
 void view_surface::set_offscreen(bool value) {
     offscreen = value;
     frame_waiting = true;
+}
+
+void view_surface::set_opaque(bool value) {
+    opaque = value;
+    frame_waiting = true;
+    for (auto const& entry : canvases) {
+        cairo_region_union_rectangle(entry->stale, &everything);
+    }
 }
 
 void view_surface::request(int32_t width, int32_t height, receiver deliver) {
@@ -94,7 +104,6 @@ void view_surface::note_damage(cairo_t* context) {
     auto* const rectangles = cairo_copy_clip_rectangle_list(context);
     for (auto const& entry : canvases) {
         if (rectangles->status != CAIRO_STATUS_SUCCESS) {
-            cairo_rectangle_int_t const everything{0, 0, 1 << 20, 1 << 20};
             cairo_region_union_rectangle(entry->stale, &everything);
             continue;
         }
@@ -193,8 +202,8 @@ void view_surface::paint(canvas& target) {
     cairo_clip(cairo.context);
     cairo_set_operator(cairo.context, CAIRO_OPERATOR_SOURCE);
     cairo_set_source_rgba(cairo.context, 0, 0, 0, 0);
-    if (allocated_width * scale_x < target.width || allocated_height * scale_y < target.height) {
-        cairo_paint(cairo.context);  // what the widget does not cover yet
+    if (!opaque || allocated_width * scale_x < target.width || allocated_height * scale_y < target.height) {
+        cairo_paint(cairo.context);  // what the widget does not cover
     }
     cairo_set_operator(cairo.context, CAIRO_OPERATOR_OVER);
     painting = true;

@@ -35,6 +35,9 @@ class view_surface {
     /// Whether the surface paints instead of GTK. Off while the widget is in a window on the screen.
     void set_offscreen(bool value);
 
+    /// Whether the widget paints every pixel of its area.
+    void set_opaque(bool value);
+
     /// How long a request waits for a new frame.
     static constexpr int patience_ms = 100;
 
@@ -71,6 +74,7 @@ class view_surface {
     gulong draw_handler = 0;
     guint timer = 0;
     bool offscreen = true;
+    bool opaque = true;
     bool frame_waiting = true;  // composed since the last picture
     bool painting = false;
     std::vector<waiting> requests;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "glib_ptr.h"
+#include "page_world.h"
 #include "ui_thread.h"
 
 namespace runtime {
@@ -76,6 +77,7 @@ WebKitWebContext* web_context() {
         auto const manager = make_data_manager();
         WebKitWebContext* const created = webkit_web_context_new_with_website_data_manager(manager.get());
         webkit_web_context_set_sandbox_enabled(created, sandboxed);
+        offer_page_access(created);
         persist_cookies(manager.get());
         // A download has no place to go to; the navigation that turned into one has failed.
         g_signal_connect(created, "download-started",

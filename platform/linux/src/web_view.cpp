@@ -42,33 +42,22 @@ void follow_user_agent() {
     static_cast<void>(following);
 }
 
-void add_script(WebKitUserContentManager* manager, char const* source, WebKitUserContentInjectedFrames frames,
-                char const* world) {
-    auto* const script =
-        world ? webkit_user_script_new_for_world(source, frames, WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START,
-                                                 world, nullptr, nullptr)
-              : webkit_user_script_new(source, frames, WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, nullptr,
-                                       nullptr);
-    webkit_user_content_manager_add_script(manager, script);
-    webkit_user_script_unref(script);
-}
-
 gobject_ptr<WebKitUserContentManager> make_content_manager() {
     auto manager = gobject_ptr<WebKitUserContentManager>::adopt(webkit_user_content_manager_new());
     webkit_user_content_manager_register_script_message_handler_in_world(
-        manager.get(), navigation_tracker::handler, navigation_tracker::world);
-    add_script(manager.get(), navigation_tracker::script, WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,
-               navigation_tracker::world);
-    add_script(manager.get(), navigation_tracker::hiding_script, WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES,
-               nullptr);
+        manager.get(), navigation_tracker::handler, page_world);
+    for (auto const* source : {script_calls::script, navigation_tracker::script}) {
+        webkit_user_content_manager_add_script(manager.get(), make_page_script(source).get());
+    }
+    user_script const hiding_script(
+        webkit_user_script_new(navigation_tracker::hiding_script, WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES,
+                               WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, nullptr, nullptr));
+    webkit_user_content_manager_add_script(manager.get(), hiding_script.get());
     return manager;
 }
 
 gobject_ptr<WebKitSettings> make_settings() {
     auto settings = gobject_ptr<WebKitSettings>::adopt(webkit_settings_new());
-    // Without a graphics processor the engine's own painting into memory is by far the cheapest.
-    webkit_settings_set_hardware_acceleration_policy(settings.get(),
-                                                     WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
     webkit_settings_set_javascript_can_open_windows_automatically(settings.get(), TRUE);
     webkit_settings_set_enable_media_stream(settings.get(), TRUE);
     apply_user_agent(settings.get(), user_agent());
@@ -80,6 +69,20 @@ GtkWidget* make_widget() {
     auto const settings = make_settings();
     return GTK_WIDGET(g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", web_context(), "user-content-manager",
                                    manager.get(), "settings", settings.get(), nullptr));
+}
+
+/// The view that has the keyboard focus.
+web_view_object*& focused_view() {
+    static web_view_object* view = nullptr;
+    return view;
+}
+
+void tell_focus(GtkWidget* widget, bool focused) {
+    std::unique_ptr<GdkEvent, decltype(&gdk_event_free)> const event(gdk_event_new(GDK_FOCUS_CHANGE),
+                                                                     gdk_event_free);
+    event->focus_change.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(widget)));
+    event->focus_change.in = focused ? 1 : 0;
+    gtk_widget_send_focus_change(widget, event.get());
 }
 
 WebKitFeature* find_feature(char const* identifier) {
@@ -108,7 +111,15 @@ web_view_object::web_view_object() {
     widget = gobject_ptr<GtkWidget>::share(make_widget());
     offscreen_window = gobject_ptr<GtkWidget>::share(gtk_offscreen_window_new());
     set_feature("NavigationAPI", true);
+    set_feature("UseDamagingInformationForCompositing", true);
+    // Without it what is transparent would be lost on the way to the picture.
+    gtk_widget_set_visual(offscreen_window.get(),
+                          gdk_screen_get_rgba_visual(gtk_widget_get_screen(offscreen_window.get())));
+    gtk_widget_set_app_paintable(offscreen_window.get(), TRUE);
     surface.emplace(widget.get());
+    set_background(background_color);
+    calls.emplace(view());
+    objects.emplace(view());
     tracker.emplace(view(), tracker_events());
     answer_engine_requests(*this);
     gtk_widget_set_size_request(widget.get(), 1, 1);
@@ -119,7 +130,12 @@ web_view_object::web_view_object() {
 
 web_view_object::~web_view_object() {
     live_views().erase(this);
+    if (focused_view() == this) {
+        focused_view() = nullptr;
+    }
     tracker.reset();
+    objects.reset();
+    calls.reset();
     surface.reset();
     g_signal_handlers_disconnect_by_data(widget.get(), this);
     retire_view(std::move(widget), std::move(offscreen_window));
@@ -178,20 +194,50 @@ void web_view_object::set_feature(char const* identifier, bool enabled) {
     webkit_settings_set_feature_enabled(settings(), find_feature(identifier), enabled);
 }
 
+void web_view_object::take_focus() {
+    if (focused_view() == this) {
+        return;
+    }
+    if (auto* const previous = std::exchange(focused_view(), this)) {
+        tell_focus(previous->widget.get(), false);
+    }
+    tell_focus(widget.get(), true);
+}
+
+void web_view_object::set_background(winrt::Windows::UI::Color value) {
+    background_color = value;
+    constexpr uint8_t full = 255;
+    bool const opaque = value.A == full;
+    // Without a graphics processor the engine's own painting into memory is by far the cheapest. But it never
+    // clears what it paints on, so a transparent view needs the compositor.
+    webkit_settings_set_hardware_acceleration_policy(
+        settings(),
+        opaque ? WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER : WEBKIT_HARDWARE_ACCELERATION_POLICY_ALWAYS);
+    auto const part = [](uint8_t channel) { return static_cast<double>(channel) / full; };
+    GdkRGBA const color{part(value.R), part(value.G), part(value.B), part(value.A)};
+    webkit_web_view_set_background_color(view(), &color);
+    surface->set_opaque(opaque);
+}
+
 bool web_view_object::raise_starting(std::string const& uri) {
     auto const arguments = std::make_shared<navigation_starting_arguments>(uri);
     raise(navigation_starting, *this, arguments);
+    if (arguments->cancel) {
+        objects->forget_requests();
+    }
     return !arguments->cancel;
 }
 
 navigation_tracker::events web_view_object::tracker_events() {
     return {
         .starting = [this](auto const& uri) { return raise_starting(uri); },
+        .accepted = [this] { objects->install(); },
         .content_loading = [this] { raise(content_loading, *this, std::make_shared<plain_arguments>()); },
         .dom_content_loaded =
             [this] { raise(dom_content_loaded, *this, std::make_shared<plain_arguments>()); },
         .completed =
             [this](auto error) {
+                objects->end_navigation();
                 raise(navigation_completed, *this, std::make_shared<navigation_completed_arguments>(error));
             },
     };

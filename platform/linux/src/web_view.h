@@ -5,7 +5,9 @@
 #include "element_tree.h"
 #include "glib_ptr.h"
 #include "navigation_tracker.h"
+#include "script_calls.h"
 #include "view_surface.h"
+#include "web_allowed_objects.h"
 
 namespace runtime {
 
@@ -29,6 +31,13 @@ struct web_view_object : ui_element_object {
     WebKitSettings* settings() const { return webkit_web_view_get_settings(view()); }
     void set_feature(char const* identifier, bool enabled);
 
+    script_calls& scripts() { return *calls; }
+    web_allowed_objects& allowed_objects() { return *objects; }
+
+    winrt::Windows::UI::Color background() const { return background_color; }
+    void take_focus();
+    void set_background(winrt::Windows::UI::Color value);
+
     event<winrt::Windows::UI::Xaml::Controls::WebViewNavigationStartingEventArgs> navigation_starting;
     event<winrt::Windows::UI::Xaml::Controls::WebViewContentLoadingEventArgs> content_loading;
     event<winrt::Windows::UI::Xaml::Controls::WebViewDOMContentLoadedEventArgs> dom_content_loaded;
@@ -43,7 +52,10 @@ struct web_view_object : ui_element_object {
     gobject_ptr<GtkWidget> widget;
     gobject_ptr<GtkWidget> offscreen_window;
     std::optional<view_surface> surface;
+    std::optional<script_calls> calls;
+    std::optional<web_allowed_objects> objects;
     std::optional<navigation_tracker> tracker;
+    winrt::Windows::UI::Color background_color = winrt::Windows::UI::Colors::White();
 };
 
 /// Answers what the engine asks of an application: dialogs, choosers, permissions, new windows.

@@ -105,6 +105,11 @@ WebViewSettings WebView::Settings() const {
     return WebViewSettings(implementation);
 }
 
+bool WebView::Focus(FocusState) const {
+    object_of<web_view_object>(*this).take_focus();
+    return true;
+}
+
 bool WebView::CanGoBack() const {
     return webkit_web_view_can_go_back(object_of<web_view_object>(*this).view());
 }
@@ -152,6 +157,33 @@ void WebView::Refresh() const {
 
 void WebView::Stop() const {
     object_of<web_view_object>(*this).stop();
+}
+
+Foundation::IAsyncOperation<hstring> WebView::InvokeScriptAsync(
+    param::hstring const& scriptName, param::async_iterable<hstring> const& arguments) const {
+    std::vector<std::string> texts;
+    for (auto const& argument : arguments.elements) {
+        texts.push_back(to_string(argument));
+    }
+    return Foundation::IAsyncOperation<hstring>(
+        object_of<web_view_object>(*this).scripts().call(to_string(scriptName.value), texts));
+}
+
+void WebView::AddWebAllowedObject(param::hstring const& name, Foundation::IInspectable const& object) const {
+    auto& objects = object_of<web_view_object>(*this).allowed_objects();
+    auto allowed = std::dynamic_pointer_cast<runtime::page_object>(object.get_implementation());
+    if (!allowed || name.value.empty()) {
+        throw hresult_error(E_INVALIDARG);
+    }
+    objects.add(to_string(name.value), std::move(allowed));
+}
+
+Windows::UI::Color WebView::DefaultBackgroundColor() const {
+    return object_of<web_view_object>(*this).background();
+}
+
+void WebView::DefaultBackgroundColor(Windows::UI::Color const& value) const {
+    object_of<web_view_object>(*this).set_background(value);
 }
 
 Foundation::IAsyncAction WebView::CapturePreviewToStreamAsync(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <iterator>
 #include <vector>
 
@@ -69,3 +70,19 @@ struct IVectorView : IInspectable {
 };
 
 }  // namespace winrt::Windows::Foundation::Collections
+
+namespace winrt::param {
+
+/// What an asynchronous call takes where a sequence is wanted.
+template <typename T>
+struct async_iterable {
+    async_iterable(std::nullptr_t) noexcept {}
+    async_iterable(std::vector<T>&& values) : elements(std::move(values)) {}
+    async_iterable(std::initializer_list<T> values) : elements(values) {}
+    async_iterable(async_iterable const&) = delete;
+    async_iterable& operator=(async_iterable const&) = delete;
+
+    std::vector<T> elements;
+};
+
+}  // namespace winrt::param

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <winrt/Windows.Foundation.Collections.h>
 #include <winrt/Windows.Storage.Streams.h>
 #include <winrt/Windows.UI.Xaml.h>
+#include <winrt/Windows.UI.h>
 #include <winrt/Windows.Web.Http.h>
 #include <winrt/Windows.Web.h>
 
@@ -96,6 +98,10 @@ struct WebView : FrameworkElement {
     event_token PermissionRequested(handler<WebViewPermissionRequestedEventArgs> const& handler) const;
 
     WebViewSettings Settings() const;
+
+    /// Gives the page the keyboard focus, which the view that had it loses.
+    bool Focus(FocusState value) const;
+
     bool CanGoBack() const;
     bool CanGoForward() const;
 
@@ -106,6 +112,28 @@ struct WebView : FrameworkElement {
     void GoForward() const;
     void Refresh() const;
     void Stop() const;
+
+    /// Calls a global function of the top document with texts, or evaluates the one text when the function is
+    /// `eval`, and yields the text that it returns; an empty text when it returns anything else (promises are
+    /// not awaited). Calls run and end in the order in which they are made.
+    ///
+    /// Fails with 0x80020101 and the error's text when the script throws, DISP_E_UNKNOWNNAME when there is no
+    /// such function, E_ILLEGAL_METHOD_CALL when no page is loaded, E_ABORT when another page comes before
+    /// the answer, and RPC_E_DISCONNECTED when the page's process or the view ends before it.
+    ///
+    /// Works the same in pages that forbid evaluation: during the call, and only then, `eval` works for the
+    /// called function. There each evaluated text has a scope of its own for `let`, `const` and `class`.
+    Foundation::IAsyncOperation<hstring> InvokeScriptAsync(
+        param::hstring const& scriptName, param::async_iterable<hstring> const& arguments) const;
+
+    /// Gives the page that the next navigation brings an object, as a property of its `window` that its own
+    /// scripts find when they start and cannot change. To be called while NavigationStarting is raised.
+    /// Frames and later pages do not get it. E_INVALIDARG for an object that is not made for pages.
+    void AddWebAllowedObject(param::hstring const& name, Foundation::IInspectable const& object) const;
+
+    /// What is seen where a page paints nothing; white at first.
+    Windows::UI::Color DefaultBackgroundColor() const;
+    void DefaultBackgroundColor(Windows::UI::Color const& value) const;
 
     /// Writes a picture of the view into the stream, with the timing of RenderTargetBitmap.
     Foundation::IAsyncAction CapturePreviewToStreamAsync(

@@ -13,6 +13,8 @@ enum class HorizontalAlignment : int32_t { Left = 0 };
 
 enum class VerticalAlignment : int32_t { Top = 0 };
 
+enum class FocusState : int32_t { Programmatic = 3 };
+
 struct DependencyObject : Foundation::IInspectable {
     WINRT_LINUX_HANDLE(DependencyObject, IInspectable)
 };

@@ -14,24 +14,25 @@ struct event_token {
     explicit operator bool() const noexcept { return value != 0; }
 };
 
-/// A callable that a runtime object keeps.
+/// A callable that a runtime object keeps. Copies are the same callable, with one state.
 template <typename... Arguments>
 class delegate {
   public:
     delegate(std::nullptr_t = nullptr) noexcept {}
     template <typename Function>
         requires std::invocable<Function&, Arguments...>
-    delegate(Function function) : target(std::move(function)) {}
+    delegate(Function function)
+        : target(std::make_shared<std::function<void(Arguments...)>>(std::move(function))) {}
 
-    explicit operator bool() const noexcept { return static_cast<bool>(target); }
-    void operator()(Arguments const&... arguments) const { target(arguments...); }
+    explicit operator bool() const noexcept { return target != nullptr; }
+    void operator()(Arguments const&... arguments) const { (*target)(arguments...); }
 
   private:
-    std::function<void(Arguments...)> target;
+    std::shared_ptr<std::function<void(Arguments...)>> target;
 };
 
 /// A list of handlers. Adding and raising may meet on different threads; handlers run without the lock, so
-/// they may add.
+/// they may add and remove.
 template <typename Delegate>
 class event {
   public:
@@ -39,6 +40,11 @@ class event {
         std::lock_guard guard(lock);
         handlers.push_back({++lastToken, std::move(handler)});
         return {lastToken};
+    }
+
+    void remove(event_token token) {
+        std::lock_guard guard(lock);
+        std::erase_if(handlers, [&](entry const& entry) { return entry.token == token.value; });
     }
 
     template <typename... Arguments>

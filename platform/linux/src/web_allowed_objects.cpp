@@ -1,0 +1,147 @@
+#include "web_allowed_objects.h"
+
+#include <algorithm>
+#include <charconv>
+#include <nlohmann/json.hpp>
+
+#include "script_text.h"
+
+namespace runtime {
+
+namespace {
+
+/// Documents that left may come back with the history, and still have messages under way. The engine keeps
+/// fewer than these.
+constexpr size_t kept_documents = 16;
+
+// The functions belong to the page's world. What they use they took before the page's scripts could change
+// it, and no exception of the other world leaves them: it would lead the page there.
+constexpr char const* script_start = R"(((id, objects) => {
+    'use strict';
+    if (window.reopened) {
+        return;
+    }
+    const define = evaluate(`((name, methods, send) => {
+        const {TypeError, Error} = window;
+        const object = {};
+        methods.forEach((method, index) => {
+            object[method] = (...values) => {
+                if (values.length === 0) {
+                    throw new TypeError(method + ' needs an argument.');
+                }
+                const text = \`\${values[0]}\`;
+                try {
+                    send(index, text);
+                } catch {
+                    throw new Error('The message cannot be sent.');
+                }
+            };
+        });
+        Object.defineProperty(window, name, {value: Object.freeze(object)});
+    })`);
+    const handler = webkit.messageHandlers.object;
+    objects.forEach(([name, methods], index) => {
+        define(name, methods, (method, text) => handler.postMessage(`${id} ${index} ${method} ${text.toWellFormed()}`));
+    });
+})()";
+
+/// Takes a number and the blank behind it off a text.
+uint64_t take_number(std::string_view& text) {
+    uint64_t number = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    text.remove_prefix(static_cast<size_t>(end - text.data()) + 1);
+    return number;
+}
+
+/// What a handler throws ends here: it must not unwind through the engine's C frames.
+void call_safely(page_object& object, size_t method, winrt::hstring const& text) noexcept {
+    try {
+        object.call(method, text);
+    } catch (winrt::hresult_error const& error) {
+        g_critical("A handler of a page's message failed: %s", winrt::to_string(error.message()).c_str());
+    } catch (...) {
+        g_critical("A handler of a page's message failed");
+    }
+}
+
+uint64_t next_id() {
+    static uint64_t last = 0;
+    return ++last;
+}
+
+}  // namespace
+
+web_allowed_objects::web_allowed_objects(WebKitWebView* view) : view(view) {
+    webkit_user_content_manager_register_script_message_handler_in_world(manager(), handler, page_world);
+    g_signal_connect(manager(), "script-message-received::object", G_CALLBACK(on_message), this);
+    g_signal_connect(view, "load-changed", G_CALLBACK(on_load_changed), this);
+}
+
+web_allowed_objects::~web_allowed_objects() {
+    g_signal_handlers_disconnect_by_data(view, this);
+    g_signal_handlers_disconnect_by_data(manager(), this);
+}
+
+void web_allowed_objects::add(std::string const& name, std::shared_ptr<page_object> object) {
+    requested[name] = std::move(object);
+}
+
+void web_allowed_objects::install() {
+    end_navigation();
+    if (script) {
+        webkit_user_content_manager_remove_script(manager(), script.get());
+        script.reset();
+    }
+    if (requested.empty()) {
+        return;
+    }
+    incoming.emplace(document{next_id(), {}});
+    auto descriptions = nlohmann::json::array();
+    for (auto& [name, object] : std::exchange(requested, {})) {
+        descriptions.push_back({name, object->methods()});
+        incoming->objects.push_back(std::move(object));
+    }
+    auto const source =
+        script_start + std::to_string(incoming->id) + ", " + descriptions.dump(-1, ' ', true) + ")";
+    script = make_page_script(source.c_str());
+    webkit_user_content_manager_add_script(manager(), script.get());
+}
+
+void web_allowed_objects::end_navigation() {
+    if (incoming) {
+        incoming.reset();
+        webkit_user_content_manager_remove_script(manager(), script.get());
+        script.reset();
+    }
+}
+
+void web_allowed_objects::on_load_changed(WebKitWebView*, WebKitLoadEvent event, gpointer data) {
+    auto* const self = static_cast<web_allowed_objects*>(data);
+    if (event == WEBKIT_LOAD_COMMITTED && self->incoming) {
+        self->documents.push_back(std::move(*self->incoming));
+        self->incoming.reset();
+        if (self->documents.size() > kept_documents) {
+            self->documents.pop_front();
+        }
+    }
+}
+
+void web_allowed_objects::on_message(WebKitUserContentManager*, WebKitJavascriptResult* message,
+                                     gpointer data) {
+    static_cast<web_allowed_objects*>(data)->deliver(text_of(webkit_javascript_result_get_js_value(message)));
+}
+
+void web_allowed_objects::deliver(std::string_view message) {
+    auto const id = take_number(message);
+    auto const object = take_number(message);
+    auto const method = take_number(message);
+    auto const sender = std::ranges::find(documents, id, &document::id);
+    if (sender == documents.end()) {
+        return;
+    }
+    // A handler may navigate and so change the list.
+    auto const receiver = sender->objects[object];
+    call_safely(*receiver, method, winrt::to_hstring(message));
+}
+
+}  // namespace runtime

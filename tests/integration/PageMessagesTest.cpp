@@ -1,0 +1,200 @@
+// What pages report: on their own, through the agent, and from frames.
+
+#include "support/EngineTest.h"
+
+namespace {
+
+class PageMessagesTest : public EngineTest {
+  protected:
+    std::string evaluate(const std::string& script) { return view.evaluate(script).value_or("no answer"); }
+
+    bool waitForPageMessage(const std::string& payload, std::size_t from = 0) {
+        return recorder()
+            .waitFor(
+                [&](const Record& record) {
+                    return record.target == view.target() && record.method == "HandleMessageEmitted" &&
+                           record.payload == payload;
+                },
+                from)
+            .has_value();
+    }
+
+    /// The messages of pages and agent since a position: a script's answer comes after what it sent.
+    std::vector<std::string> pageMessagesSince(std::size_t from) {
+        evaluate("1");
+        std::vector<std::string> payloads;
+        for (const auto& record : recorder().since(from)) {
+            if (record.target == view.target() && record.method == "HandleMessageEmitted") {
+                payloads.push_back(record.payload);
+            }
+        }
+        return payloads;
+    }
+
+    static std::string agentUrlChanged(const std::string& url, const std::string& title,
+                                       const std::string& type) {
+        return R"({"type":"zarvik.webview.urlChanged","urlAction":{"Url":")" + url + R"(","Title":")" +
+               title + R"(","Type":")" + type + R"("}})";
+    }
+
+    View view{engine, {320, 240}};
+};
+
+std::string consoleMessage(const std::string& level, const std::string& message) {
+    return R"({"type":"zarvik.webview.consoleMessageLogged","level":")" + level + R"(","message":")" +
+           message + R"("})";
+}
+
+const std::string focusedText = R"({"type":"zarvik.webview.focusedInputFieldChanged","value":"TEXT"})";
+const std::string focusedNone = R"({"type":"zarvik.webview.focusedInputFieldChanged","value":"NONE"})";
+
+}  // namespace
+
+TEST_F(PageMessagesTest, MessagesArriveUnchangedAndInOrder) {
+    server.page("/page", R"(<script>_zarvikBridge.postMessage('before the agent')</script>)");
+    load(view, server.url("/page"));
+    EXPECT_TRUE(waitForPageMessage("before the agent"));
+    EXPECT_TRUE(waitForPageMessage(agentUrlChanged(server.url("/page"), "", "LOAD")));
+    const auto from = recorder().position();
+    evaluate(R"(zarvik.postMessage('plain "text" ü 😀 \n'); zarvik.postMessage({ a: 1, b: ['x'] });
+                zarvik.postMessage('zarvik.webview.uwp.iframesNeedBrowserAgent');
+                zarvik.postMessage('x zarvik.webview.uwp.iframesNeedBrowserAgent');
+                zarvik.postMessage('x zarvik.webview.pageTransparencyDetermined true'))");
+    EXPECT_EQ(pageMessagesSince(from),
+              (std::vector<std::string>{"plain \"text\" ü 😀 \n", R"({"a":1,"b":["x"]})",
+                                        "x zarvik.webview.uwp.iframesNeedBrowserAgent"}));
+
+    const auto before = recorder().position();
+    evaluate("for (let i = 0; i < 5000; i++) zarvik.postMessage(String(i))");
+    EXPECT_TRUE(waitForPageMessage("4999", before));
+    const auto messages = pageMessagesSince(before);
+    ASSERT_EQ(messages.size(), 5000U);
+    for (std::size_t i = 0; i < messages.size(); ++i) {
+        ASSERT_EQ(messages[i], std::to_string(i));
+    }
+}
+
+TEST_F(PageMessagesTest, TheAgentReportsUrlsAndTitles) {
+    const auto url = server.url("/page");
+    server.page("/page", "<title>first</title>");
+    load(view, url);
+    EXPECT_TRUE(waitForPageMessage(agentUrlChanged(url, "first", "LOAD")));
+    EXPECT_TRUE(waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"first"})"));
+    auto from = recorder().position();
+    evaluate("history.pushState(null, '', '/pushed'); history.replaceState(null, '', '/replaced')");
+    EXPECT_EQ(pageMessagesSince(from),
+              (std::vector<std::string>{agentUrlChanged(server.url("/pushed"), "first", "PUSH_STATE"),
+                                        agentUrlChanged(server.url("/replaced"), "first", "REPLACE_STATE")}));
+    from = recorder().position();
+    evaluate("document.title = 'second \"quoted\"'; location.hash = 'a'");
+    EXPECT_TRUE(waitForPageMessage(
+        agentUrlChanged(server.url("/replaced#a"), R"(second \"quoted\")", "HASH_CHANGE"), from));
+    EXPECT_TRUE(
+        waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"second \"quoted\""})", from));
+}
+
+TEST_F(PageMessagesTest, ConsoleMessagesAreReportedWhileEnabled) {
+    const std::string page = "<script>addEventListener('zarvikready', () => console.warn('ready'))</script>";
+    loadHtml(view, page);
+    auto from = recorder().position();
+    evaluate("console.log('off')");
+    plugin().WebView_setConsoleMessageEventsEnabled(view.handle(), 1);
+    evaluate("console.log('a', {b: 1}, null, undefined); console.error(new Error('e')); console.info('i')");
+    plugin().WebView_setConsoleMessageEventsEnabled(view.handle(), 0);
+    evaluate("console.log('off again')");
+    EXPECT_EQ(pageMessagesSince(from),
+              (std::vector<std::string>{consoleMessage("LOG", R"(a, {\"b\":1}, null, )"),
+                                        consoleMessage("ERROR", "Error: e"), consoleMessage("LOG", "i")}));
+
+    plugin().WebView_setConsoleMessageEventsEnabled(view.handle(), 1);
+    from = recorder().position();
+    loadHtml(view, page);
+    EXPECT_TRUE(waitForPageMessage(consoleMessage("WARNING", "ready"), from));
+}
+
+TEST_F(PageMessagesTest, FocusedInputFieldsAreReportedOnceEnabled) {
+    const std::string page = "<input id=text><input id=box type=checkbox><div id=edit contenteditable>";
+    loadHtml(view, page);
+    auto from = recorder().position();
+    plugin().WebView_setFocusedInputFieldEventsEnabled(view.handle(), 1);
+    evaluate("document.getElementById('text').focus()");
+    EXPECT_TRUE(waitForPageMessage(focusedText, from));
+    evaluate("document.getElementById('box').focus()");
+    EXPECT_TRUE(waitForPageMessage(focusedNone, from));
+    from = recorder().position();
+    evaluate("document.getElementById('edit').focus()");
+    EXPECT_TRUE(waitForPageMessage(focusedText, from));
+
+    // The flag counts for later pages as well.
+    loadHtml(view, page);
+    from = recorder().position();
+    evaluate("document.getElementById('text').focus()");
+    EXPECT_TRUE(waitForPageMessage(focusedText, from));
+}
+
+TEST_F(PageMessagesTest, FramesCannotSendMessagesOfThePage) {
+    server.page("/frame", R"(<script>
+        let answer = 'kept out';
+        for (const forge of [() => _zarvikBridge.postMessage('forged'),
+                             () => parent._zarvikBridge.postMessage('forged'),
+                             () => { for (const name in webkit.messageHandlers) {
+                                         webkit.messageHandlers[name].postMessage('forged'); }
+                                     webkit.messageHandlers.navigation.postMessage('loaded'); },
+                             () => { const original = dispatchEvent;
+                                     parent.document.dispatchEvent(new CustomEvent('x')); }]) {
+            try { forge(); answer = 'reached the bridge'; } catch (error) {}
+        }
+        parent.postMessage(answer, '*');
+    </script>)");
+    server.page("/page", "<script>onmessage = (event) => document.title = event.data</script><iframe src='" +
+                             server.otherOriginUrl("/frame") + "'></iframe>");
+    const auto from = recorder().position();
+    load(view, server.url("/page"));
+    EXPECT_TRUE(waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"kept out"})", from));
+    for (const auto& message : pageMessagesSince(from)) {
+        EXPECT_EQ(message.find("forged"), std::string::npos);
+    }
+}
+
+TEST_F(PageMessagesTest, FramesOfTheSameOriginAreGivenTheAgent) {
+    server.page("/frame", "<p>frame");
+    server.page("/page", "<iframe id=own src=/frame></iframe><iframe id=foreign src='" +
+                             server.otherOriginUrl("/frame") + "'></iframe>");
+    load(view, server.url("/page"));
+    EXPECT_TRUE(waitForResult(view, "typeof own.contentWindow.__initZarvik", "function"));
+    EXPECT_EQ(evaluate("foreign.dataset.zarvikTarget"), "undefined");
+    for (const auto& message : pageMessagesSince(0)) {
+        EXPECT_EQ(message.find("iframesNeedBrowserAgent"), std::string::npos);
+    }
+}
+
+TEST_F(PageMessagesTest, ThePageIsWhiteUnlessItIsMeantToBeTransparent) {
+    const std::string transparent = "<meta name=transparent content=true><body><p>text";
+    const auto corner = [&](const Image::Pixel& expected) {
+        return waitForPixels(view, [&](const Image& image) {
+            return std::equal(expected.begin(), expected.end(), image.pixels.end() - 4);
+        });
+    };
+    const Image::Pixel white{255, 255, 255, 255};
+    const Image::Pixel clear{0, 0, 0, 0};
+    const Image::Pixel red{0, 0, 255, 255};
+
+    const std::string layers = "document.querySelectorAll('zarvik-page-background').length";
+    loadHtml(view, "<p>text");
+    EXPECT_TRUE(waitForResult(view, layers, "1"));
+    EXPECT_TRUE(corner(white));
+    loadHtml(view, transparent);
+    EXPECT_TRUE(corner(clear));
+    EXPECT_EQ(evaluate(layers), "0");
+    loadHtml(view, "<body style='background: red'>");
+    EXPECT_TRUE(corner(red));
+    loadHtml(view, transparent);
+    EXPECT_TRUE(corner(clear));
+
+    plugin().WebView_setDefaultBackgroundEnabled(view.handle(), 0);
+    loadHtml(view, "<p>text");
+    EXPECT_TRUE(corner(clear));
+    plugin().WebView_setDefaultBackgroundEnabled(view.handle(), 1);
+    loadHtml(view, "<p>text");
+    EXPECT_TRUE(corner(white));
+}

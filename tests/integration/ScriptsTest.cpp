@@ -1,0 +1,193 @@
+// Scripts that the engine runs in pages, and their answers.
+
+#include <set>
+#include <thread>
+
+#include "support/EngineTest.h"
+
+namespace {
+
+const std::string noResult =
+    "Error: An unexpected error occurred while executing the script with ExecuteJavaScript(). This can "
+    "happen if ExecuteJavaScript() is called when the page isn't loaded yet. Please use "
+    "IWebView.LoadProgressChanged to detect when the page has finished loading. For more info, please check "
+    "the Unity player logs.";
+
+class ScriptsTest : public EngineTest {
+  protected:
+    std::string evaluate(const std::string& script) { return view.evaluate(script).value_or("no answer"); }
+
+    View view{engine, {320, 240}};
+};
+
+}  // namespace
+
+TEST_F(ScriptsTest, AnswersAreText) {
+    loadHtml(view, "<p>page");
+    const auto from = recorder().position();
+    plugin().WebView_executeJavaScript(view.handle(), "1+1", "3");
+    ASSERT_TRUE(view.waitForMessage("HandleJavaScriptResult", from));
+    EXPECT_EQ(messagesSince(from, view), (std::vector<std::string>{"HandleJavaScriptResult 3,2"}));
+
+    EXPECT_EQ(evaluate(""), "undefined");
+    EXPECT_EQ(evaluate("''"), "");
+    EXPECT_EQ(evaluate("null"), "null");
+    EXPECT_EQ(evaluate("0.1 + 0.2"), "0.30000000000000004");
+    EXPECT_EQ(evaluate("[1, 'b,c', null]"), "1,b,c,");
+    EXPECT_EQ(evaluate("({})"), "[object Object]");
+    EXPECT_EQ(evaluate("document"), "[object HTMLDocument]");
+    EXPECT_EQ(evaluate("(function () {})"), "function () {}");
+    EXPECT_EQ(evaluate("Promise.resolve(1)"), "[object Promise]");
+    EXPECT_EQ(evaluate("'😀 ü \\u2028 \\u2029 \\n'"), "😀 ü \u2028 \u2029 \n");
+    EXPECT_EQ(evaluate("'a\\ud800b'"), "a\uFFFDb");
+    EXPECT_EQ(evaluate("'before\\0after'"), "before");  // texts to the engine end at a zero byte
+    EXPECT_EQ(evaluate("if (true) { 'completion' } else { 'other' }"), "completion");
+    EXPECT_EQ(evaluate("var kept = 5; function keptToo() { return kept }"), "undefined");
+
+    EXPECT_EQ(evaluate("throw new Error('reason')"), "Error: reason");
+    EXPECT_EQ(evaluate("throw 'text'"), "text");
+    EXPECT_TRUE(evaluate("syntax error").starts_with("SyntaxError: "));
+    EXPECT_TRUE(errorsSince(from).empty());
+}
+
+TEST_F(ScriptsTest, WithoutACallbackIdNothingIsAnswered) {
+    loadHtml(view, "<p>page");
+    const auto from = recorder().position();
+    plugin().WebView_executeJavaScript(view.handle(), "window.ran = 'yes'; let own = 1", "");
+    plugin().WebView_executeJavaScript(view.handle(), "throw new Error('unseen')", nullptr);
+    EXPECT_EQ(evaluate("ran"), "yes");
+    std::size_t answers = 0;
+    for (const auto& record : recorder().since(from)) {
+        answers += record.method == "HandleJavaScriptResult" ? 1 : 0;
+    }
+    EXPECT_EQ(answers, 1U);
+    EXPECT_TRUE(recorder().waitFor(
+        [](const Record& record) {
+            return record.kind == Record::Kind::info &&
+                   record.payload.find("(HRresult 0x80020101)") != std::string::npos;
+        },
+        from));
+    EXPECT_TRUE(errorsSince(from).empty());
+}
+
+TEST_F(ScriptsTest, AScriptBeforeAnyPageIsAnsweredWithTheReason) {
+    EXPECT_EQ(evaluate("1+1"), noResult);
+    EXPECT_TRUE(
+        waitForError("An unexpected exception occurred while executing InvokeScriptAsync. HResult: -"));
+    loadHtml(view, "<p>page");
+    EXPECT_EQ(evaluate("1+1"), "2");
+}
+
+TEST_F(ScriptsTest, FiveHundredScriptsAreAnsweredOnceAndInOrder) {
+    loadHtml(view, "<script>var count = 0</script>");
+    const auto from = recorder().position();
+    constexpr std::size_t count = 500;
+    for (std::size_t i = 0; i < count; ++i) {
+        plugin().WebView_executeJavaScript(view.handle(), "++count", std::to_string(i).c_str());
+    }
+    const auto answers = [&] {
+        std::vector<std::string> payloads;
+        for (const auto& record : recorder().since(from)) {
+            if (record.method == "HandleJavaScriptResult") {
+                payloads.push_back(record.payload);
+            }
+        }
+        return payloads;
+    };
+    EXPECT_TRUE(recorder().waitUntil(
+        [&](const auto& records) { return !records.empty() && records.back().payload == "499,500"; }));
+    const auto payloads = answers();
+    ASSERT_EQ(payloads.size(), count);
+    for (std::size_t i = 0; i < count; ++i) {
+        EXPECT_EQ(payloads[i], std::to_string(i) + "," + std::to_string(i + 1));
+    }
+}
+
+TEST_F(ScriptsTest, LargeTextsPassBothWays) {
+    loadHtml(view, "<p>page");
+    const std::string large(1'000'000, 'x');
+    EXPECT_EQ(evaluate("'" + large + "'.length"), "1000000");
+    EXPECT_EQ(evaluate("'é'.repeat(500000)").size(), large.size());
+}
+
+TEST_F(ScriptsTest, ANavigationAnswersTheScriptsThatItCutsOff) {
+    server.page("/next", "<p>next");
+    loadHtml(view, "<p>page");
+    const auto from = recorder().position();
+    for (int i = 0; i < 20; ++i) {
+        view.loadUrl(server.url("/next?" + std::to_string(i)));
+        for (int j = 0; j < 10; ++j) {
+            plugin().WebView_executeJavaScript(view.handle(), "1", std::to_string(i * 10 + j).c_str());
+        }
+    }
+    std::set<std::string> answered;
+    EXPECT_TRUE(recorder().waitUntil([&](const auto& records) {
+        answered.clear();
+        for (auto i = from; i < records.size(); ++i) {
+            if (records[i].method == "HandleJavaScriptResult") {
+                answered.insert(records[i].payload.substr(0, records[i].payload.find(',')));
+            }
+        }
+        return answered.size() == 200;
+    })) << answered.size();
+    EXPECT_TRUE(waitForResult(view, "location.search", "?19"));
+}
+
+TEST_F(ScriptsTest, APageThatForbidsEvalCanBeScripted) {
+    server.on("/strict", [](const httplib::Request&, httplib::Response& response) {
+        response.set_header("Content-Security-Policy", "default-src 'none'; script-src 'nonce-own'");
+        response.set_content(
+            "<title>strict</title><script nonce=own>function tryEval() { try { return String(eval('1')) } "
+            "catch (error) { return error.name } }</script>",
+            "text/html");
+    });
+    load(view, server.url("/strict"));
+    EXPECT_EQ(evaluate("1+1"), "2");
+    EXPECT_EQ(evaluate("throw new Error('reason')"), "Error: reason");
+    EXPECT_EQ(evaluate("typeof zarvik.postMessage"), "function");
+    plugin().WebView_executeJavaScript(view.handle(), "window.fromPage = tryEval()", "");
+    EXPECT_EQ(evaluate("fromPage"), "EvalError");
+    evaluate("setTimeout(() => window.later = tryEval(), 0)");
+    EXPECT_TRUE(waitForResult(view, "window.later", "EvalError"));
+}
+
+TEST_F(ScriptsTest, APageThatTakesTheGlobalsAwayHarmsOnlyItself) {
+    View other(engine, {100, 100});
+    loadHtml(other, "<title>other</title>");
+    const std::string taken = R"(<body><script>
+        for (const name of ['JSON', 'Promise', 'console', 'String', 'Object', 'Symbol', 'Error', 'Event']) {
+            delete window[name];
+        }
+        Array.prototype.map = Array.prototype.forEach = Function.prototype.call = Function.prototype.apply =
+            Function.prototype.bind = EventTarget.prototype.addEventListener = undefined;
+        EventTarget.prototype.dispatchEvent = History.prototype.pushState = null;
+        window.eval = (text) => { throw { toString() { throw 'again' } } };
+        Object.defineProperty(window, '_evalToString', { get() { throw 'no function' } });
+        const toString = { toString() { return 5 } };
+    </script>)";
+    loadHtml(view, taken);
+    const auto from = recorder().position();
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_NE(evaluate("1+1"), "no answer");
+        plugin().WebView_click(view.handle(), 10, 10);
+        plugin().WebView_sendKey(view.handle(), "a");
+        plugin().WebView_scroll(view.handle(), 0, 10);
+        plugin().WebView_setConsoleMessageEventsEnabled(view.handle(), 1);
+    }
+    EXPECT_EQ(other.evaluate("document.title"), "other");
+    EXPECT_TRUE(messagesSince(from, other) == std::vector<std::string>{messagesSince(from, other).back()});
+    loadHtml(view, "<p>next");
+    EXPECT_EQ(evaluate("1+1"), "2");
+}
+
+TEST_F(ScriptsTest, ADestroyedViewAnswersNothingAndHarmsNothing) {
+    {
+        View brief(engine, {50, 50});
+        loadHtml(brief, "<p>brief");
+        for (int i = 0; i < 50; ++i) {
+            plugin().WebView_executeJavaScript(brief.handle(), "1", "id");
+        }
+    }
+    loadHtml(view, "<p>page");
+    EXPECT_EQ(evaluate("1+1"), "2");
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <winrt/Windows.UI.Xaml.Controls.h>
+
+#include <functional>
+#include <future>
+#include <string>
+#include <vector>
+
+#include "support/TestServer.h"
+#include "ui_thread.h"
+
+/// The end of a call: its text, or its failure's code and message.
+struct Answer {
+    std::wstring text;
+    winrt::hresult code = S_OK;
+
+    friend bool operator==(Answer const&, Answer const&) = default;
+};
+void PrintTo(Answer const& answer, std::ostream* stream);
+
+/// A test of web views through the platform's own interface. The test's thread waits while the
+/// user-interface thread works.
+class PageTest : public testing::Test {
+  protected:
+    using WebView = winrt::Windows::UI::Xaml::Controls::WebView;
+    using Operation = winrt::Windows::Foundation::IAsyncOperation<winrt::hstring>;
+
+    /// What failed calls give, beside the codes of the platform's headers.
+    static constexpr winrt::hresult scriptThrew = static_cast<HRESULT>(0x80020101U);
+
+    template <typename Function>
+    static auto onUIThread(Function function) {
+        return runtime::ui_thread::instance().invoke(std::move(function));
+    }
+
+    /// Whether the condition, asked on the user-interface thread, comes true within some seconds.
+    static bool comesTrue(std::function<bool()> const& condition);
+
+    /// A view with a size, so that it has a picture.
+    static WebView makeView();
+
+    /// Loads a page and waits for its end, which must be a success.
+    static void load(WebView const& view, std::string const& url);
+    static void loadText(WebView const& view, std::wstring const& html);
+
+    /// Calls a function of the page and waits for the answer.
+    static Answer call(WebView const& view, std::wstring const& function, std::wstring const& argument);
+    static Answer eval(WebView const& view, std::wstring const& text);
+
+    /// Starts the call; the answer comes later.
+    static std::future<Answer> startCall(WebView const& view, std::wstring const& function,
+                                         std::wstring const& argument);
+    static Answer wait(std::future<Answer>& answer);
+
+    /// Ends the process of a view's page.
+    static void killPageProcess(WebView const& view);
+
+    /// A script that replaces all functions of the built-in types.
+    static char const* const hostileScript;
+
+    TestServer server;
+};

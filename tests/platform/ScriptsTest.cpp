@@ -1,0 +1,284 @@
+#include <chrono>
+
+#include "PageTest.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// What the evaluation of a text gives as a text, errors included: a function that an application gives to
+/// its pages.
+constexpr auto evalToString =
+    LR"(window.evalToString = function(js) {
+    try {
+        return new String(eval(js)).toString();
+    } catch (error) {
+        return error.toString();
+    }
+};)";
+
+}  // namespace
+
+class ScriptsTest : public PageTest {
+  protected:
+    static Answer failed(winrt::hresult code, std::wstring const& message) { return {message, code}; }
+
+    /// The text that a call gives; a failure is shown as such.
+    static std::wstring textOf(Answer const& answer) {
+        return answer.code == S_OK ? answer.text
+                                   : L"failed " + std::to_wstring(answer.code.value) + L" " + answer.text;
+    }
+
+    static std::wstring evalText(WebView const& view, std::wstring const& text) {
+        return textOf(eval(view, text));
+    }
+    static std::wstring callText(WebView const& view, std::wstring const& name, std::wstring const& text) {
+        return textOf(call(view, name, text));
+    }
+
+    /// Serves a document with a content security policy.
+    void pageWithPolicy(std::string const& path, std::string const& policy, std::string const& body) {
+        server.on(path, [policy, body](const auto&, auto& response) {
+            response.set_header("Content-Security-Policy", policy);
+            response.set_content("<!doctype html>" + body, "text/html");
+        });
+    }
+};
+
+TEST_F(ScriptsTest, TellsResultsAndFailuresApart) {
+    server.page("/",
+                "<title>page</title><script>function join(...texts) { return texts.join('+') }"
+                "var number = 7, self = this; function isGlobal() { return String(this === self) }"
+                "</script>");
+    auto const view = makeView();
+    EXPECT_EQ(eval(view, L"'early'").code, E_ILLEGAL_METHOD_CALL);
+    load(view, server.url("/"));
+
+    EXPECT_EQ(evalText(view, L"var made = document.title; made"), L"page");
+    EXPECT_EQ(evalText(view, L"const once = made; once"), L"page");
+    EXPECT_EQ(evalText(view, L"const once = 'again'; once"), L"again");
+    EXPECT_EQ(evalText(view, L"async function later() {} 'x'"), L"x");
+    EXPECT_EQ(evalText(view, L"typeof later"), L"function");
+    EXPECT_EQ(evalText(view, L"'use strict'; try { undeclared = 1; 'sloppy' } catch { 'strict' }"),
+              L"strict");
+    EXPECT_EQ(callText(view, L"join", L"a"), L"a");
+    EXPECT_EQ(callText(view, L"isGlobal", L""), L"true");
+
+    for (auto const* text :
+         {L"1", L"true", L"null", L"undefined", L"({})", L"new String('x')", L"[]", L"Symbol()", L"10n",
+          L"document.body", L"Promise.resolve('x')", L"({then(settle) { settle('x') }})",
+          L"new Promise(() => {})", L"Promise.reject('x')", L"({get then() { throw 'x' }})"}) {
+        EXPECT_EQ(evalText(view, text), L"") << text;
+    }
+    for (auto const* text : {L"throw 'x'", L"throw null", L"nothing.at.all", L"syntax error", L"}{",
+                             L"throw {toString() { throw this }}", L"throw {toString: 1}"}) {
+        EXPECT_EQ(eval(view, text).code, scriptThrew) << text;
+    }
+    EXPECT_EQ(eval(view, L"throw new RangeError('the reason')"),
+              failed(scriptThrew, L"RangeError: the reason"));
+    for (auto const* name : {L"missing", L"number", L"document.write", L""}) {
+        EXPECT_EQ(call(view, name, L"x").code, DISP_E_UNKNOWNNAME) << name;
+    }
+    EXPECT_EQ(evalText(view, L"'still there'"), L"still there");
+}
+
+TEST_F(ScriptsTest, KeepsEveryCharacter) {
+    auto const view = makeView();
+    loadText(view,
+             L"<script>function echo(text) { return text }"
+             L"function codes(text) { return [...text].map(c => c.codePointAt()).join() }</script>");
+    std::wstring const special(L"\0 \r\n\t \" ' ` \\ ${1} \u2028 \u2029 \ufeff \U0001F600 \0", 36);
+    EXPECT_EQ(callText(view, L"echo", special), special);
+    std::wstring codes;
+    for (wchar_t const character : special) {
+        codes += (codes.empty() ? L"" : L",") + std::to_wstring(static_cast<int>(character));
+    }
+    EXPECT_EQ(callText(view, L"codes", special), codes);
+    EXPECT_EQ(callText(view, L"echo", std::wstring(L"a") + wchar_t{0xD800} + L"b"), L"a\ufffdb");
+    EXPECT_EQ(evalText(view, L"'a\\ud800b' + '\\udc00'"), L"a\ufffdb\ufffd");
+    EXPECT_EQ(eval(view, L"throw 'a\\ud800b'"), failed(scriptThrew, L"a\ufffdb"));
+    EXPECT_EQ(evalText(view, std::wstring(L"'\0'.length + ''", 15)), L"1");
+
+    std::wstring const large(1 << 20, L'\u00e4');
+    EXPECT_TRUE(callText(view, L"echo", large) == large);
+    EXPECT_EQ(evalText(view, L"/*" + large + L"*/ 'x'.repeat(3)"), L"xxx");
+}
+
+TEST_F(ScriptsTest, RunAndEndInOrder) {
+    auto const view = makeView();
+    loadText(view, L"<script>var calls = []; function note(n) { calls.push(n); return n }</script>");
+    constexpr int count = 3000;
+    std::vector<std::future<Answer>> answers;
+    std::wstring expected;
+    for (int i = 0; i < count; ++i) {
+        auto const number = std::to_wstring(i);
+        bool const missing = i % 3 == 2;
+        expected += missing ? L"" : L"," + number;
+        answers.push_back(missing        ? startCall(view, L"missing", number)
+                          : (i % 3 == 0) ? startCall(view, L"note", number)
+                                         : startCall(view, L"eval", L"note('" + number + L"')"));
+    }
+    wait(answers.back());
+    for (int i = 0; i < count - 1; ++i) {
+        auto& answer = answers[static_cast<size_t>(i)];
+        ASSERT_EQ(answer.wait_for(0s), std::future_status::ready) << i << " did not end in its turn";
+        auto const [text, code] = answer.get();
+        if (i % 3 == 2) {
+            EXPECT_EQ(code, DISP_E_UNKNOWNNAME);
+        } else {
+            EXPECT_EQ(text, std::to_wstring(i));
+        }
+    }
+    EXPECT_EQ(L"," + evalText(view, L"calls.join()"), expected);
+}
+
+TEST_F(ScriptsTest, WorkInPagesThatForbidEvaluation) {
+    std::string const body = R"(<title>strict</title><script nonce="n">
+        const attempt = () => { try { return String(eval('1 + 1')) } catch (error) { return error.name } };
+        const before = attempt();
+        function report() { return [before, attempt(), eval === original].join() }
+        const original = eval;
+        function keep(text) { window.kept = eval; return kept(text) }
+        function useKept() { try { return String(kept('1 + 1')) } catch (error) { return error.name } }
+        function failing() { throw new Error('x') }
+    </script>)";
+    pageWithPolicy("/none", "default-src 'none'", "<title>none</title>");
+    pageWithPolicy("/nonce", "script-src 'nonce-n'", body);
+    pageWithPolicy("/sandbox", "sandbox allow-scripts; script-src 'nonce-n'", body);
+    pageWithPolicy("/types", "require-trusted-types-for 'script'; script-src 'nonce-n'", body);
+    server.page("/meta", "<meta http-equiv=Content-Security-Policy content=\"script-src 'nonce-n'\">" + body);
+    auto const view = makeView();
+    load(view, server.url("/none"));
+    EXPECT_EQ(evalText(view, evalToString), L"");
+    EXPECT_EQ(callText(view, L"evalToString", L"1+1"), L"2");
+    EXPECT_EQ(callText(view, L"evalToString", L"const a = 1; var b = document.title; b"), L"none");
+    EXPECT_EQ(callText(view, L"evalToString", L"const a = 2; a // the end"), L"2");
+    EXPECT_EQ(callText(view, L"evalToString", L"({a: 1}).a"), L"1");
+    EXPECT_EQ(callText(view, L"evalToString", L"throw new TypeError('x')"), L"TypeError: x");
+    EXPECT_TRUE(callText(view, L"evalToString", L"no syntax").starts_with(L"SyntaxError: "));
+    EXPECT_EQ(eval(view, L"throw 1").code, scriptThrew);
+    EXPECT_EQ(evalText(view, L"b"), L"none");
+    EXPECT_EQ(evalText(view, L"try { eval('void 1'); 'open' } catch (error) { error.name }"), L"EvalError");
+    for (auto const* path : {"/nonce", "/sandbox", "/types", "/meta"}) {
+        SCOPED_TRACE(path);
+        load(view, server.url(path));
+        EXPECT_EQ(evalText(view, evalToString), L"");
+        EXPECT_EQ(callText(view, L"evalToString", L"6 * 7"), L"42");
+        EXPECT_EQ(callText(view, L"keep", L"document.title"), L"strict");
+        EXPECT_EQ(call(view, L"failing", L"").code, scriptThrew);
+        EXPECT_EQ(callText(view, L"useKept", L""), L"EvalError");
+        EXPECT_EQ(evalText(view, L"report()"), L"EvalError,EvalError,true");
+    }
+}
+
+TEST_F(ScriptsTest, SurviveHostilePages) {
+    server.page("/", "<script>" + std::string(hostileScript) +
+                         "var isHostile = 'yes'; function plain(text) { return text }</script>");
+    server.page("/getter", R"(<script>
+        let count = 0;
+        Object.defineProperty(window, 'trap', {get() { throw new Error('trap ' + ++count) }});
+        Object.defineProperty(window, 'other', {get() { return () => 'call ' + ++count }});
+        Object.defineProperty(window, 'eval', {value: () => 'frozen', writable: false});
+        Object.prototype.then = function(settle) { settle('forged') };
+        Object.defineProperty(Object.prototype, 'toJSON', {value: () => 'forged'});
+        function thing() { return {} }
+        function proxy() { return new Proxy(() => 'x', {get() { throw 1 }}) }
+    </script>)");
+    auto const view = makeView();
+    auto const bystander = makeView();
+    loadText(bystander, L"<title>bystander</title>");
+    load(view, server.url("/"));
+    EXPECT_EQ(evalText(view, L"isHostile"), L"yes");
+    EXPECT_EQ(callText(view, L"plain", L"as it was"), L"as it was");
+    EXPECT_EQ(evalText(view, L"'x' + 1"), L"x1");
+    EXPECT_EQ(eval(view, L"throw 'x'"), failed(scriptThrew, L"x"));
+    load(view, server.url("/getter"));
+    EXPECT_EQ(call(view, L"trap", L"").code, scriptThrew);
+    EXPECT_EQ(callText(view, L"other", L""), L"call 2");
+    EXPECT_EQ(callText(view, L"thing", L""), L"");
+    EXPECT_EQ(callText(view, L"proxy", L""), L"");
+    EXPECT_EQ(evalText(view, L"'x' + 1"), L"x1");
+    EXPECT_EQ(evalText(bystander, L"document.title"), L"bystander");
+}
+
+// Whatever a page can see while a function of its own runs belongs to its own world: nothing leads to the
+// world from which it is called.
+TEST_F(ScriptsTest, DoNotShowPagesTheCallersWorld) {
+    std::string const body = R"(<script nonce="n">
+        var seen = [];
+        const look = (value, name) => {
+            for (let depth = 0; value !== null && value !== undefined && depth < 5; depth++) {
+                const type = value.constructor;
+                if (typeof type === 'function' && type.constructor !== Function) {
+                    seen.push(name);
+                }
+                value = Object.getPrototypeOf(Object(value));
+            }
+        };
+        function probe() {
+            look(arguments, 'arguments');
+            look(probe.caller, 'caller');
+            look(eval, 'eval');
+            for (const attempt of [() => eval('nothing.at.all'), () => eval('}'), () => eval(),
+                                   () => eval({}), () => eval(Symbol()), () => new eval()]) {
+                try { look(attempt(), 'result'); } catch (error) { look(error, 'error of ' + attempt) }
+            }
+            try { (function deeper() { try { deeper() } finally { eval('1') } })() }
+            catch (error) { look(error, 'overflow') }
+            return 'probed';
+        }
+    </script>)";
+    pageWithPolicy("/strict", "script-src 'nonce-n'", body);
+    server.page("/", body);
+    auto const view = makeView();
+    for (auto const* path : {"/", "/strict"}) {
+        SCOPED_TRACE(path);
+        load(view, server.url(path));
+        EXPECT_EQ(callText(view, L"probe", L"x"), L"probed");
+        EXPECT_EQ(evalText(view, L"[...new Set(seen)].join()"), L"");
+        EXPECT_EQ(evalText(view, L"typeof invoke + typeof page + typeof evaluate + typeof webkit"),
+                  L"undefinedundefinedundefinedundefined");
+    }
+}
+
+TEST_F(ScriptsTest, FailWhenTheirPageGoes) {
+    server.page("/", "<title>first</title><script>function loop() { while (true) {} }</script>");
+    server.page("/next", "<title>next</title>");
+    auto const view = makeView();
+
+    // Calls that a navigation overtakes end, whichever way, and the next page answers.
+    load(view, server.url("/"));
+    std::vector<std::future<Answer>> overtaken;
+    overtaken.push_back(startCall(view, L"eval", L"location.href = '/next'; ''"));
+    while (overtaken.size() < 2000) {
+        overtaken.push_back(startCall(view, L"eval", L"document.title"));
+    }
+    auto const isNext = [&] { return evalText(view, L"document.title") == L"next"; };
+    auto const limit = std::chrono::steady_clock::now() + 20s;
+    while (!isNext() && std::chrono::steady_clock::now() < limit) {
+    }
+    for (auto& answer : overtaken) {
+        auto const [text, code] = wait(answer);
+        EXPECT_TRUE(code == S_OK || code == E_ABORT) << code.value;
+    }
+    EXPECT_EQ(evalText(view, L"document.title"), L"next");
+
+    // A page in an endless loop, whose process is ended.
+    load(view, server.url("/"));
+    auto endless = startCall(view, L"loop", L"");
+    auto queued = startCall(view, L"eval", L"'after'");
+    EXPECT_EQ(endless.wait_for(100ms), std::future_status::timeout);
+    killPageProcess(view);
+    EXPECT_EQ(wait(endless).code, RPC_E_DISCONNECTED);
+    EXPECT_EQ(wait(queued).code, RPC_E_DISCONNECTED);
+    EXPECT_EQ(eval(view, L"'no page'").code, E_ILLEGAL_METHOD_CALL);
+    load(view, server.url("/next"));
+    EXPECT_EQ(evalText(view, L"document.title"), L"next");
+
+    // A view that goes away.
+    auto other = makeView();
+    load(other, server.url("/"));
+    auto last = startCall(other, L"loop", L"");
+    other = nullptr;
+    EXPECT_EQ(wait(last).code, RPC_E_DISCONNECTED);
+}

@@ -1,0 +1,218 @@
+#include <winrt/ZarvikWebViewRuntimeComponent.h>
+
+#include <numeric>
+#include <thread>
+
+#include "PageTest.h"
+
+using namespace std::chrono_literals;
+using winrt::Windows::Foundation::Uri;
+using winrt::ZarvikWebViewRuntimeComponent::JavaScriptBridge;
+
+using Texts = std::vector<std::string>;
+
+class WebAllowedObjectTest : public PageTest {
+  protected:
+    /// Gives every page of a view an object `bridge`. What pages send is collected, each message behind the
+    /// number of the navigation whose object got it.
+    static std::shared_ptr<Texts> addBridges(WebView const& view) {
+        auto messages = std::make_shared<Texts>();
+        onUIThread([&] {
+            view.NavigationStarting([messages, navigation = 0](auto const& sender, auto const&) mutable {
+                JavaScriptBridge const bridge;
+                bridge.MessageEmitted([messages, number = ++navigation](winrt::hstring const& message) {
+                    messages->push_back(std::to_string(number) + ":" + winrt::to_string(message));
+                });
+                sender.AddWebAllowedObject(L"bridge", bridge);
+            });
+        });
+        return messages;
+    }
+
+    /// The messages, once there are as many as are expected and the page has nothing under way any more.
+    static Texts received(WebView const& view, std::shared_ptr<Texts> const& messages, size_t count) {
+        EXPECT_TRUE(comesTrue([&] { return messages->size() >= count; }));
+        eval(view, L"0");
+        return onUIThread([&] { return std::exchange(*messages, {}); });
+    }
+};
+
+TEST_F(WebAllowedObjectTest, IsThereBeforeThePagesScriptsAndCannotBeChanged) {
+    server.page("/", R"(<script>
+        bridge.postMessage('first');
+        for (const change of [() => { bridge = {} }, () => { delete window.bridge }, () => { bridge.more = 1 },
+                              () => { bridge.postMessage = () => {} }, () => { delete bridge.postMessage },
+                              () => { Object.defineProperty(window, 'bridge', {value: {}}) },
+                              () => { window.webkit.messageHandlers.object.postMessage('1 0 0 forged') },
+                              () => { bridge.postMessage(Symbol()) }, () => { bridge.postMessage() }]) {
+            try { change() } catch { }
+        }
+        bridge.postMessage(Object.keys(window).includes('bridge'));
+        bridge.postMessage(typeof webkit + typeof invoke + typeof page + typeof evaluate);
+        bridge.postMessage({toString: () => 'converted'});
+        bridge.postMessage('\0 \ud800 \u2028 \ud83d\ude00', 'ignored');
+    </script>)");
+    auto const view = makeView();
+    auto const messages = addBridges(view);
+    load(view, server.url("/"));
+    EXPECT_EQ(received(view, messages, 5),
+              (Texts{"1:first", "1:false", "1:undefinedundefinedundefinedundefined", "1:converted",
+                     std::string("1:\0 \uFFFD \u2028 \U0001F600", 16)}));
+
+    // It is there as soon as the page is announced, also when the page comes in pieces.
+    server.on("/slow", [](const auto&, auto& response) {
+        response.set_chunked_content_provider("text/html", [](size_t, auto& sink) {
+            sink.write("<!doctype html>", 15);
+            std::this_thread::sleep_for(200ms);
+            sink.write("<p>", 3);
+            sink.done();
+            return true;
+        });
+    });
+    auto const atStart = std::make_shared<std::promise<std::wstring>>();
+    onUIThread([&] {
+        view.ContentLoading([atStart](auto const& sender, auto const&) {
+            [](auto call, auto answer) -> winrt::fire_and_forget {
+                answer->set_value(std::wstring(co_await call));
+            }(sender.InvokeScriptAsync(L"eval", {L"typeof bridge"}), atStart);
+        });
+    });
+    load(view, server.url("/slow"));
+    EXPECT_EQ(atStart->get_future().get(), L"object");
+}
+
+TEST_F(WebAllowedObjectTest, BelongsToOneDocument) {
+    server.page("/frame", R"(<script>
+        const found = [typeof bridge, typeof webkit];
+        try { found.push(typeof parent.bridge) } catch { found.push('refused') }
+        parent.postMessage(found.join(), '*');
+    </script>)");
+    server.page("/",
+                "<script>addEventListener('message', (event) => bridge.postMessage(event.data));"
+                "addEventListener('pagehide', () => bridge.postMessage('leaves'))</script>"
+                "<iframe src='" +
+                    server.url("/frame") + "'></iframe><iframe src='" + server.otherOriginUrl("/frame") +
+                    "'></iframe>");
+    server.page("/next", "<script>bridge.postMessage(location.pathname)</script>");
+    auto const view = makeView();
+    auto const messages = addBridges(view);
+    load(view, server.url("/"));
+    auto frames = received(view, messages, 2);
+    std::ranges::sort(frames);
+    EXPECT_EQ(frames, (Texts{"1:undefined,undefined,object", "1:undefined,undefined,refused"}));
+    load(view, server.url("/next"));
+    EXPECT_EQ(received(view, messages, 2), (Texts{"1:leaves", "2:/next"}));
+
+    // Another view's pages have objects of their own; what is not added is not there.
+    auto const other = makeView();
+    auto const otherMessages = addBridges(other);
+    load(other, server.url("/next"));
+    EXPECT_EQ(received(other, otherMessages, 1), (Texts{"1:/next"}));
+    EXPECT_EQ(received(view, messages, 0), Texts{});
+    auto const plain = makeView();
+    load(plain, server.url("/next"));
+    EXPECT_EQ(eval(plain, L"typeof bridge").text, L"undefined");
+}
+
+TEST_F(WebAllowedObjectTest, StaysWhenNoNewDocumentComes) {
+    server.page("/", "<title>page</title>");
+    server.on("/nothing", [](const auto&, auto& response) { response.status = 204; });
+    auto const view = makeView();
+    auto const messages = addBridges(view);
+    load(view, server.url("/"));
+    auto const ends = std::make_shared<int>(0);
+    auto const cancel = std::make_shared<bool>(false);
+    onUIThread([&] {
+        view.NavigationCompleted([ends](auto const&, auto const&) { ++*ends; });
+        view.NavigationStarting([cancel](auto const&, auto const& arguments) { arguments.Cancel(*cancel); });
+    });
+    auto const navigate = [&](std::string const& url) {
+        int const before = onUIThread([&] { return *ends; });
+        onUIThread([&] { view.Navigate(Uri(winrt::to_hstring(url))); });
+        EXPECT_TRUE(comesTrue([&] { return *ends > before; })) << url;
+    };
+    navigate(server.url("/#fragment"));
+    eval(view, L"bridge.postMessage('after the fragment')");
+    navigate(server.url("/nothing"));
+    eval(view, L"bridge.postMessage('after nothing')");
+    navigate("http://127.0.0.1:" + std::to_string(closedPort()) + "/");
+    eval(view, L"bridge.postMessage('after the failure')");
+    onUIThread([&] {
+        *cancel = true;
+        view.Navigate(Uri(winrt::to_hstring(server.url("/"))));
+        *cancel = false;
+    });
+    eval(view, L"bridge.postMessage('after the refusal')");
+    eval(view,
+         L"document.open(); bridge.postMessage('opened'); document.write('<p>new'); document.close();"
+         L"bridge.postMessage('written')");
+    EXPECT_EQ(received(view, messages, 6),
+              (Texts{"1:after the fragment", "1:after nothing", "1:after the failure", "1:after the refusal",
+                     "1:opened", "1:written"}));
+    load(view, server.url("/"));
+    eval(view, L"bridge.postMessage('new')");
+    EXPECT_EQ(received(view, messages, 1), (Texts{"6:new"}));
+}
+
+TEST_F(WebAllowedObjectTest, DeliversAllMessagesOfHostilePages) {
+    constexpr int count = 20'000;
+    server.page("/", "<script>" + std::string(hostileScript) + R"(
+        function flood() {
+            for (let i = 0; i < 20000; i++) { bridge.postMessage(i) }
+            bridge.postMessage('end');
+        }
+    </script>)");
+    auto const view = makeView();
+    auto const messages = addBridges(view);
+    load(view, server.url("/"));
+    eval(view, L"flood()");
+    auto const flood = received(view, messages, count + 1);
+    ASSERT_EQ(flood.size(), count + 1U);
+    for (int i = 0; i < count; ++i) {
+        ASSERT_EQ(flood[static_cast<size_t>(i)], "1:" + std::to_string(i));
+    }
+
+    // Near the end of the stack every call may fail, and its error must be the page's own.
+    server.page("/deep", R"(<script>
+        let stolen = '';
+        const look = (error) => {
+            if (error.constructor.constructor !== Function) { stolen = 'stolen' }
+        };
+        const overflow = () => {
+            try { overflow() } catch (error) { look(error) }
+            try { bridge.postMessage('deep') } catch (error) { look(error) }
+        };
+        overflow();
+        bridge.postMessage('end' + stolen);
+    </script>)");
+    load(view, server.url("/deep"));
+    EXPECT_TRUE(comesTrue([&] { return !messages->empty() && messages->back().starts_with("2:end"); }));
+    EXPECT_EQ(onUIThread([&] { return messages->back(); }), "2:end");
+}
+
+TEST_F(WebAllowedObjectTest, RefusesObjectsThatAreNotForPages) {
+    auto const view = makeView();
+    auto const codeOf = [&](winrt::hstring const& name,
+                            winrt::Windows::Foundation::IInspectable const& object) {
+        return onUIThread([&]() -> winrt::hresult {
+            try {
+                view.AddWebAllowedObject(name, object);
+                return S_OK;
+            } catch (winrt::hresult_error const& error) {
+                return error.code();
+            }
+        });
+    };
+    JavaScriptBridge const bridge;
+    EXPECT_EQ(codeOf(L"bridge", bridge), S_OK);
+    EXPECT_EQ(codeOf(L"", bridge), E_INVALIDARG);
+    EXPECT_EQ(codeOf(L"bridge", nullptr), E_INVALIDARG);
+    EXPECT_EQ(codeOf(L"bridge", Uri(L"https://a.example/")), E_INVALIDARG);
+
+    int calls = 0;
+    auto const token = bridge.MessageEmitted([&](winrt::hstring const& text) { calls += text == L"text"; });
+    bridge.postMessage(L"text");
+    bridge.MessageEmitted(token);
+    bridge.postMessage(L"text");
+    EXPECT_EQ(calls, 1);
+}
