@@ -12,7 +12,7 @@ using winrt::Windows::Foundation::Uri;
 
 namespace {
 
-constexpr auto patience = 10s;
+constexpr auto patience = 30s;
 
 winrt::fire_and_forget settle(winrt::Windows::Foundation::IAsyncOperation<hstring> operation,
                               std::function<void(std::wstring, winrt::hresult)> end) {

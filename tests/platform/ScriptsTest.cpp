@@ -3,6 +3,7 @@
 #include "PageTest.h"
 
 using namespace std::chrono_literals;
+using namespace std::string_literals;
 
 namespace {
 
@@ -87,7 +88,7 @@ TEST_F(ScriptsTest, KeepsEveryCharacter) {
     loadText(view,
              L"<script>function echo(text) { return text }"
              L"function codes(text) { return [...text].map(c => c.codePointAt()).join() }</script>");
-    std::wstring const special(L"\0 \r\n\t \" ' ` \\ ${1} \u2028 \u2029 \ufeff \U0001F600 \0", 36);
+    auto const special = L"\0 \r\n\t \" ' ` \\ ${1} \u2028 \u2029 \ufeff \U0001F600 \0"s;
     EXPECT_EQ(callText(view, L"echo", special), special);
     std::wstring codes;
     for (wchar_t const character : special) {
@@ -97,7 +98,7 @@ TEST_F(ScriptsTest, KeepsEveryCharacter) {
     EXPECT_EQ(callText(view, L"echo", std::wstring(L"a") + wchar_t{0xD800} + L"b"), L"a\ufffdb");
     EXPECT_EQ(evalText(view, L"'a\\ud800b' + '\\udc00'"), L"a\ufffdb\ufffd");
     EXPECT_EQ(eval(view, L"throw 'a\\ud800b'"), failed(scriptThrew, L"a\ufffdb"));
-    EXPECT_EQ(evalText(view, std::wstring(L"'\0'.length + ''", 15)), L"1");
+    EXPECT_EQ(evalText(view, L"'\0'.length + ''"s), L"1");
 
     std::wstring const large(1 << 20, L'\u00e4');
     EXPECT_TRUE(callText(view, L"echo", large) == large);

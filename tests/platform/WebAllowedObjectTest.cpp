@@ -6,6 +6,7 @@
 #include "PageTest.h"
 
 using namespace std::chrono_literals;
+using namespace std::string_literals;
 using winrt::Windows::Foundation::Uri;
 using winrt::ZarvikWebViewRuntimeComponent::JavaScriptBridge;
 
@@ -57,7 +58,7 @@ TEST_F(WebAllowedObjectTest, IsThereBeforeThePagesScriptsAndCannotBeChanged) {
     load(view, server.url("/"));
     EXPECT_EQ(received(view, messages, 5),
               (Texts{"1:first", "1:false", "1:undefinedundefinedundefinedundefined", "1:converted",
-                     std::string("1:\0 \uFFFD \u2028 \U0001F600", 16)}));
+                     "1:\0 \uFFFD \u2028 \U0001F600"s}));
 
     // It is there as soon as the page is announced, also when the page comes in pieces.
     server.on("/slow", [](const auto&, auto& response) {

@@ -14,7 +14,7 @@ test("the real C++/WinRT has the verdicts that the slice must have", () => {
         [
             "platform", `${windows}/bin/zig-c++`, "-target", "x86_64-windows-gnu", "-std=c++20", "-O2", "-s",
             "-DUNICODE", "-D_UNICODE", "-DNOMINMAX", "-DWIN32_LEAN_AND_MEAN",
-            "-isystem", `${windows}/include`, `-I${root}src`,
+            "-isystem", `${windows}/include`, `-I${root}src`, `-I${root}src/bridge/projection`,
         ],
         { encoding: "utf8" },
     );
