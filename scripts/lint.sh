@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over the sources of a finished build, two at a time.
-#   lint.sh [BUILD_FOLDER]     default: build/linux
+# Runs clang-tidy over the sources of a finished build, two at a time. In a unity build, which the default is, one look
+# at a header serves several sources.
+#   lint.sh [BUILD_FOLDER]     default: build/linux-asan
 # A source is looked at again only when its object file or the configuration is newer than its last clean result, since
 # the build knows which headers a source depends on.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-build="${1:-$root/build/linux}"
+build="${1:-$root/build/linux-asan}"
 
 # Prints source and result file of every source of ours that needs a look, each ended by a NUL.
 outdated() {
@@ -16,6 +17,7 @@ outdated() {
     sed -nE 's/^ *"command": ".* -o ([^ ]+) -c ([^ ]+)",?$/\1 \2/p' "$build/compile_commands.json" |
         while read -r object source; do
             case "$source" in
+                */Unity/unity_*) ;;
                 "$root"/build/*) continue ;;
                 "$root"/*) ;;
                 *) continue ;;

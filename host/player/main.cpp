@@ -19,13 +19,13 @@ void interruptOn(int signal) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const auto options = zarvik::player::parseOptions(argc, argv);
-    if (const int* exitCode = std::get_if<int>(&options)) {
-        return *exitCode;
-    }
-    interruptOn(SIGINT);
-    interruptOn(SIGTERM);
     try {
+        const auto options = zarvik::player::parseOptions(argc, argv);
+        if (const int* exitCode = std::get_if<int>(&options)) {
+            return *exitCode;
+        }
+        interruptOn(SIGINT);
+        interruptOn(SIGTERM);
         const auto& chosen = std::get<zarvik::player::Options>(options);
         zarvik::player::Player player(chosen);
         if (chosen.window) {

@@ -72,7 +72,7 @@ winrt::com_ptr<ID3D11Device> engineDevice() {
 EngineTexture createEngineTexture(std::int32_t width, std::int32_t height) {
     EngineTexture made{nullptr, createTextureView(width, height)};
     if (made.view) {
-        HRESULT result;
+        HRESULT result = S_OK;
         made.texture = queryTexture(*made.view, result);
         if (FAILED(result)) {
             logFailure(log_texts::textureQueryFailed, result);

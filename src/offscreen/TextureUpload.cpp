@@ -45,7 +45,7 @@ void UwpWebView3D::render() {
 }
 
 HRESULT UwpWebView3D::upload(const PixelFrame& frame, ID3D11DeviceContext& context) {
-    D3D11_TEXTURE2D_DESC description;
+    D3D11_TEXTURE2D_DESC description{};
     texture->GetDesc(&description);
     D3D11_MAPPED_SUBRESOURCE mapped{};
     const HRESULT result = context.Map(texture.get(), 0, D3D11_MAP_WRITE_DISCARD, 0, &mapped);

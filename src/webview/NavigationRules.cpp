@@ -12,12 +12,13 @@ HeaderLines splitHeaders(std::string_view text) {
         const std::size_t end = text.find('\n');
         const std::string_view line = text.substr(0, end);
         const std::size_t first = line.find(separator);
-        if (first != line.npos && line.find(separator, first + separator.size()) == line.npos) {
+        if (first != std::string_view::npos &&
+            line.find(separator, first + separator.size()) == std::string_view::npos) {
             result.headers.emplace_back(line.substr(0, first), line.substr(first + separator.size()));
         } else {
             result.invalidLines.emplace_back(line);
         }
-        if (end == text.npos) {
+        if (end == std::string_view::npos) {
             return result;
         }
         text.remove_prefix(end + 1);

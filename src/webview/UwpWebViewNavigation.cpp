@@ -21,7 +21,7 @@ http::HttpRequestMessage makeRequest(const std::string& url, const std::string& 
     for (const auto& [name, value] : headers) {
         if (!request.Headers().TryAppendWithoutValidation(winrt::to_hstring(name),
                                                           winrt::to_hstring(value))) {
-            logError(log_texts::invalidHeader + name + ": " + value);
+            logError(std::string(log_texts::invalidHeader).append(name).append(": ").append(value));
         }
     }
     return request;

@@ -46,7 +46,7 @@ using lines = std::set<std::wstring>;
 
 class CookiesTest : public testing::Test {
   protected:
-    ~CookiesTest() override {
+    void TearDown() override {
         for (const auto* uri :
              {L"https://cookies.example/", L"https://cookies.example/deep/x", L"https://sub.cookies.example/",
               L"http://127.0.0.1/", L"http://localhost/"}) {

@@ -5,6 +5,8 @@
 #include <numeric>
 #include <thread>
 
+#include "codeOf.h"
+
 using namespace std::chrono_literals;
 using winrt::Windows::ApplicationModel::Core::CoreApplication;
 using winrt::Windows::Foundation::IAsyncAction;
@@ -39,16 +41,6 @@ void finish(IAsyncAction work) {
     report(std::move(work), std::move(ended));
     ASSERT_EQ(ending.wait_for(20s), std::future_status::ready) << "the work does not end";
     ending.get();
-}
-
-template <typename Action>
-int32_t codeOf(Action action) {
-    try {
-        action();
-    } catch (const winrt::hresult_error& error) {
-        return error.code();
-    }
-    return S_OK;
 }
 
 /// Tells when it is destroyed: it stands for what a coroutine holds.

@@ -7,6 +7,7 @@
 #include <future>
 #include <limits>
 
+#include "codeOf.h"
 #include "glib_ptr.h"
 #include "stream.h"
 
@@ -34,16 +35,6 @@ auto await(Operation operation) {
         }
     }(std::move(operation), std::move(promise));
     return result.get();
-}
-
-template <typename Action>
-int32_t codeOf(Action action) {
-    try {
-        action();
-    } catch (const winrt::hresult_error& error) {
-        return error.code();
-    }
-    return S_OK;
 }
 
 runtime::picture makePicture(int32_t width, int32_t height) {

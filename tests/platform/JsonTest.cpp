@@ -3,20 +3,11 @@
 
 #include <limits>
 
+#include "codeOf.h"
+
 using namespace winrt::Windows::Data::Json;
 
 namespace {
-
-template <typename Action>
-int32_t codeOf(Action action) {
-    try {
-        action();
-    } catch (const winrt::hresult_error& error) {
-        EXPECT_FALSE(error.message().empty());
-        return error.code();
-    }
-    return S_OK;
-}
 
 JsonValue text(const wchar_t* value) {
     return JsonValue::CreateStringValue(value);

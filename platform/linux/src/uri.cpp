@@ -42,7 +42,7 @@ struct uri_object : winrt::impl::object {
 constexpr std::string_view illegalInPath = "\"<>^`{}";
 constexpr std::string_view illegalInQuery = "\"<>";
 constexpr std::string_view illegalInFragment = "\"<>`";
-constexpr std::string_view illegalInOpaque = "";
+constexpr std::string_view illegalInOpaque;
 constexpr std::string_view illegalInHost = "#/<>?@[\\]^|%";
 
 [[noreturn]] void refuse(wchar_t const* reason) {

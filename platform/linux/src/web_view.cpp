@@ -16,7 +16,7 @@ namespace {
 /// Surfaces have bounds: no side beyond what graphics devices take, and no more memory than a picture is
 /// worth.
 constexpr int largest_side = 16384;
-constexpr int64_t largest_area = int64_t{1} << 26;
+constexpr int largest_area = 1 << 26;
 
 /// All live views, for settings of the whole process.
 std::set<web_view_object*>& live_views() {
@@ -99,8 +99,8 @@ WebKitFeature* find_feature(char const* identifier) {
 
 /// A side's length within the bounds, beside the other side.
 int bounded(double length, int other_side = 1) {
-    double const longest = std::min<double>(largest_side, static_cast<double>(largest_area / other_side));
-    return std::isnan(length) ? 1 : static_cast<int>(std::clamp(length, 1.0, longest));
+    int const longest = std::min(largest_side, largest_area / other_side);
+    return std::isnan(length) ? 1 : static_cast<int>(std::clamp<double>(length, 1, longest));
 }
 
 }  // namespace
