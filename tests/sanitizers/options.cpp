@@ -32,4 +32,9 @@ ZARVIK_SANITIZER_TEXT(__lsan_default_suppressions) {
 ZARVIK_SANITIZER_TEXT(__tsan_default_options) {
     return "ignore_noninstrumented_modules=1:second_deadlock_stack=1";
 }
+
+// The browser engine's collector stops threads with a signal whose handler leaves errno changed.
+ZARVIK_SANITIZER_TEXT(__tsan_default_suppressions) {
+    return "signal:libjavascriptcoregtk-4.1.so\n";
+}
 #endif
