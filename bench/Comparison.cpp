@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,72 +14,20 @@ namespace zarvik::bench {
 
 namespace {
 
+using Values = std::vector<double>;
+
 struct Rounds {
-    std::vector<Measurement> library;
-    std::vector<Measurement> bare;
+    std::vector<Figures> library;
+    std::vector<Figures> bare;
 };
 
-using Figure = double (Measurement::*)() const;
-
-/// What the library's median has to keep to, as it is printed and as it is decided.
-struct Target {
-    const char* text = "";
-    bool (*holds)(double library, double bare) = nullptr;
-};
-
-/// A line of the table: a figure of both sides.
-struct Line {
-    const char* title;
-    const char* format;
-    Figure figure;
-    Target target{};
-};
-
-const std::vector<Line>& animatedLines() {
-    static const std::vector<Line> lines{
-        {"frames per second",
-         "%.1f",
-         &Measurement::framesPerSecond,
-         {"ratio >= 0.95", [](double library, double bare) { return library >= 0.95 * bare; }}},
-        {"CPU of all processes, % of a core",
-         "%.1f",
-         &Measurement::treePercent,
-         {"ratio <= 1.35", [](double library, double bare) { return library <= 1.35 * bare; }}},
-        {"  without the engine's render thread", "%.1f", &Measurement::treePercentWithoutRenderThread},
-        {"  of the side's own process", "%.1f", &Measurement::ownPercent},
-    };
-    return lines;
-}
-
-const std::vector<Line>& stillLines() {
-    static const std::vector<Line> lines{
-        {"frames in the window",
-         "%.0f",
-         &Measurement::frameCount,
-         {"0", [](double library, double) { return library == 0; }}},
-        {"CPU of own process, % of a core",
-         "%.2f",
-         &Measurement::ownPercent,
-         {"< 1 %", [](double library, double) { return library < 1; }}},
-        {"  without the engine's render thread", "%.2f", &Measurement::ownPercentWithoutRenderThread},
-        {"CPU of all processes, % of a core", "%.2f", &Measurement::treePercent},
-    };
-    return lines;
-}
-
-std::vector<double> sorted(const std::vector<Measurement>& measurements, Figure figure) {
-    std::vector<double> values;
-    values.reserve(measurements.size());
-    for (const auto& measurement : measurements) {
-        values.push_back(std::invoke(figure, measurement));
+Values valuesOf(const std::vector<Figures>& rounds, const char* figure) {
+    Values values;
+    values.reserve(rounds.size());
+    for (const auto& figures : rounds) {
+        values.push_back(figures.at(figure));
     }
-    std::ranges::sort(values);
     return values;
-}
-
-double median(const std::vector<double>& values) {
-    const auto middle = values.size() / 2;
-    return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
 void showProgress(const std::string& text) {
@@ -89,13 +36,13 @@ void showProgress(const std::string& text) {
     }
 }
 
-Rounds measure(const PageText& page, int rounds, const Settings& settings) {
+Rounds measure(const Case& measured, int rounds, const Settings& settings) {
     Rounds result;
     for (int round = 1; round <= rounds; ++round) {
-        showProgress(std::string(page.title) + ", round " + std::to_string(round) + " of " +
+        showProgress(std::string(measured.title) + ", round " + std::to_string(round) + " of " +
                      std::to_string(rounds));
-        result.library.push_back(measureInProcess(Side::library, page, settings));
-        result.bare.push_back(measureInProcess(Side::bare, page, settings));
+        result.library.push_back(measureInProcess(Side::library, measured, settings));
+        result.bare.push_back(measureInProcess(Side::bare, measured, settings));
     }
     showProgress("");
     return result;
@@ -108,21 +55,22 @@ std::string formatted(const char* format, double value) {
 }
 
 /// The median with the least and the greatest value: how far apart they are tells how quiet the machine was.
-std::string summary(const char* format, const std::vector<double>& values) {
-    return formatted(format, median(values)) + " (" + formatted(format, values.front()) + "-" +
-           formatted(format, values.back()) + ")";
+std::string summary(const char* format, const Values& values) {
+    const auto [least, greatest] = std::ranges::minmax(values);
+    return formatted(format, quantile(values, 0.5)) + " (" + formatted(format, least) + "-" +
+           formatted(format, greatest) + ")";
 }
 
 void print(const Line& line, const Rounds& rounds) {
-    const auto library = sorted(rounds.library, line.figure);
-    const auto bare = sorted(rounds.bare, line.figure);
-    const double libraryMedian = median(library);
-    const double bareMedian = median(bare);
+    const auto library = valuesOf(rounds.library, line.figure);
+    const auto bare = valuesOf(rounds.bare, line.figure);
+    const double libraryMedian = quantile(library, 0.5);
+    const double bareMedian = quantile(bare, 0.5);
     const char* verdict = "";
     if (line.target.holds) {
         verdict = line.target.holds(libraryMedian, bareMedian) ? "holds" : "MISSED";
     }
-    std::printf("  %-38s %18s %18s %6s  %-13s %s\n", line.title, summary(line.format, library).c_str(),
+    std::printf("  %-38s %20s %20s %6s  %-13s %s\n", line.title, summary(line.format, library).c_str(),
                 summary(line.format, bare).c_str(),
                 bareMedian > 0 ? formatted("%.2f", libraryMedian / bareMedian).c_str() : "-",
                 line.target.text, verdict);
@@ -130,14 +78,14 @@ void print(const Line& line, const Rounds& rounds) {
 
 }  // namespace
 
-void compareSides(int rounds, const Settings& settings) {
-    std::printf("%dx%d, medians (least-greatest) of %d rounds of %g s on each side\n\n", pageWidth,
+void compareSides(const std::vector<const Case*>& compared, int rounds, const Settings& settings) {
+    std::printf("%dx%d, medians (least-greatest) of %d rounds on each side, windows of %g s\n\n", pageWidth,
                 pageHeight, rounds, settings.seconds);
-    std::printf("  %-38s %18s %18s %6s  %s\n", "", "library", "bare", "ratio", "target");
-    for (const auto& page : pages()) {
-        const Rounds measured = measure(page, rounds, settings);
-        std::printf("%s\n", page.title);
-        for (const auto& line : page.page == Page::still ? stillLines() : animatedLines()) {
+    std::printf("  %-38s %20s %20s %6s  %s\n", "", "library", "bare", "ratio", "target");
+    for (const auto* each : compared) {
+        const Rounds measured = measure(*each, rounds, settings);
+        std::printf("%s\n", each->title);
+        for (const auto& line : each->lines) {
             print(line, measured);
         }
         std::fflush(stdout);

@@ -1,11 +1,13 @@
 #pragma once
 
-#include "Sides.h"
+#include <vector>
+
+#include "Case.h"
 
 namespace zarvik::bench {
 
-/// Measures all pages on both sides by turns, so that the machine's other work meets both alike, and prints
+/// Measures the cases on both sides by turns, so that the machine's other work meets both alike, and prints
 /// the medians beside their targets. Throws std::runtime_error if something could not be measured.
-void compareSides(int rounds, const Settings& settings);
+void compareSides(const std::vector<const Case*>& compared, int rounds, const Settings& settings);
 
 }  // namespace zarvik::bench

@@ -2,9 +2,6 @@
 
 #include <unistd.h>
 
-#include <istream>
-#include <ostream>
-
 namespace zarvik::bench {
 
 namespace {
@@ -28,16 +25,6 @@ Measurement Measurement::between(const Reading& begin, const Reading& end) {
             .treeTime = secondsIn(usedBetween(begin.processes, end.processes)),
             .ownTime = secondsIn(end.processes.at(getpid()) - begin.processes.at(getpid())),
             .renderThreadTime = secondsIn(end.renderThread - begin.renderThread)};
-}
-
-std::ostream& operator<<(std::ostream& stream, const Measurement& measurement) {
-    return stream << measurement.seconds << ' ' << measurement.frames << ' ' << measurement.treeTime << ' '
-                  << measurement.ownTime << ' ' << measurement.renderThreadTime << '\n';
-}
-
-std::istream& operator>>(std::istream& stream, Measurement& measurement) {
-    return stream >> measurement.seconds >> measurement.frames >> measurement.treeTime >>
-           measurement.ownTime >> measurement.renderThreadTime;
 }
 
 }  // namespace zarvik::bench

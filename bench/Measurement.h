@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <iosfwd>
 
 #include "ProcessTree.h"
 
@@ -19,7 +18,7 @@ struct Reading {
     static Reading now(std::uint64_t frames, std::chrono::nanoseconds renderThread = {});
 };
 
-/// One side with one page during the measured window.
+/// What happened between two readings.
 struct Measurement {
     double seconds = 0;
     double frames = 0;
@@ -30,17 +29,6 @@ struct Measurement {
     double renderThreadTime = 0;
 
     static Measurement between(const Reading& begin, const Reading& end);
-
-    double frameCount() const { return frames; }
-    double framesPerSecond() const { return frames / seconds; }
-    double treePercent() const { return 100 * treeTime / seconds; }
-    double ownPercent() const { return 100 * ownTime / seconds; }
-    double treePercentWithoutRenderThread() const { return 100 * (treeTime - renderThreadTime) / seconds; }
-    double ownPercentWithoutRenderThread() const { return 100 * (ownTime - renderThreadTime) / seconds; }
 };
-
-/// As one line of text, which the side's process hands to the comparing one.
-std::ostream& operator<<(std::ostream& stream, const Measurement& measurement);
-std::istream& operator>>(std::istream& stream, Measurement& measurement);
 
 }  // namespace zarvik::bench

@@ -1,8 +1,5 @@
 #include "Pages.h"
 
-#include <algorithm>
-#include <stdexcept>
-
 namespace zarvik::bench {
 
 namespace {
@@ -14,7 +11,8 @@ std::string document(const std::string& head, const std::string& body) {
            head + "</style></head><body>" + body + "</body></html>";
 }
 
-// Elements that move, turn, fade and change their colour all over the page.
+}  // namespace
+
 std::string elementsPage() {
     return document(R"css(
 div{position:absolute;width:90px;height:90px;border-radius:16px;background:#e0a030;text-align:center}
@@ -35,7 +33,6 @@ for (var i = 0; i < 8; ++i) {
 </script>)html");
 }
 
-// Every frame repaints all of the page but its corner.
 std::string canvasPage() {
     return document("canvas{display:block}", R"html(<canvas></canvas><script>
 var canvas = document.querySelector('canvas'), context = canvas.getContext('2d');
@@ -66,23 +63,19 @@ std::string stillPage() {
     return document("", body);
 }
 
-}  // namespace
-
-const std::array<PageText, 3>& pages() {
-    static const std::array<PageText, 3> texts{{{Page::elements, "elements", "CSS animation", elementsPage()},
-                                                {Page::canvas, "canvas", "whole-page canvas", canvasPage()},
-                                                {Page::still, "still", "still page", stillPage()}}};
-    return texts;
+std::string scriptPage() {
+    return document("", "<script>function evaluate(text) { return String(eval(text)); }</script>");
 }
 
-const PageText& textOf(Page page) {
-    return *std::ranges::find(pages(), page, &PageText::page);
-}
-
-void expectCorner(const std::array<std::uint8_t, 4>& pixel) {
-    if (pixel != cornerPixel) {
-        throw std::runtime_error("The picture is not that of the page.");
-    }
+std::string inputPage() {
+    return document(
+        "#block{position:absolute;left:160px;top:160px;width:400px;height:400px;background:#c03060}",
+        R"html(<div id="block"></div><script>
+var block = document.getElementById('block'), colours = ['#c03060', '#30a060'], presses = 0;
+block.addEventListener('pointerdown', function () {
+    block.style.background = colours[++presses % colours.length];
+});
+</script>)html");
 }
 
 }  // namespace zarvik::bench

@@ -1,32 +1,28 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 #include <string>
+
+#include "Subject.h"
 
 namespace zarvik::bench {
 
-inline constexpr int pageWidth = 1280;
-inline constexpr int pageHeight = 720;
+/// The upper left pixel of the three pages below, so that a side which shows something else cannot be
+/// measured by mistake.
+inline constexpr Pixel cornerPixel{0x70, 0x48, 0x20, 0xff};
 
-enum class Page { elements, canvas, still };
+/// Elements that move, turn, fade and change their colour all over the page.
+std::string elementsPage();
+/// Every frame repaints all of the page but its corner.
+std::string canvasPage();
+std::string stillPage();
 
-struct PageText {
-    Page page;
-    const char* option;  // on the command line of a side's process
-    const char* title;   // in the table
-    std::string html;
-};
+/// Has a function `evaluate(text)` that gives what the text evaluates to, as a string.
+std::string scriptPage();
 
-/// All pages, each of which moves in its own way. Their upper left pixel has the colour of `cornerPixel`, so
-/// that a side which shows something else cannot be measured by mistake.
-const std::array<PageText, 3>& pages();
-const PageText& textOf(Page page);
-
-/// BGRA, premultiplied.
-inline constexpr std::array<std::uint8_t, 4> cornerPixel{0x70, 0x48, 0x20, 0xff};
-
-/// Throws std::runtime_error unless this is the corner of one of our pages.
-void expectCorner(const std::array<std::uint8_t, 4>& pixel);
+/// Each press of the pointer on the block around this point gives it the next of the colours.
+std::string inputPage();
+inline constexpr Point blockPoint{360, 360};
+inline constexpr std::array<Pixel, 2> blockColours{{{0x60, 0x30, 0xc0, 0xff}, {0x60, 0xa0, 0x30, 0xff}}};
 
 }  // namespace zarvik::bench

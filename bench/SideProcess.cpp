@@ -11,7 +11,6 @@
 #include <cstdio>
 #include <iostream>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
@@ -20,8 +19,10 @@ namespace zarvik::bench {
 
 namespace {
 
-/// For starting, loading and ending, on a busy machine.
-constexpr unsigned patienceSeconds = 60;
+/// For a case with two windows, and for starting, loading and ending, on a busy machine.
+unsigned patience(const Settings& settings) {
+    return static_cast<unsigned>(2 * settings.seconds) + 120;
+}
 
 struct FileClose {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -53,7 +54,7 @@ int run(const std::vector<std::string>& options, std::FILE* output) {
 }
 
 std::string contentsOf(std::FILE* file) {
-    std::array<char, 256> text{};
+    std::array<char, 1024> text{};
     const auto length = pread(fileno(file), text.data(), text.size(), 0);
     return {text.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
 }
@@ -72,27 +73,29 @@ const char* nameOf(Side side) {
     return side == Side::library ? "library" : "bare";
 }
 
-void runSide(Side side, const PageText& page, const Settings& settings) {
-    alarm(static_cast<unsigned>(settings.seconds) + patienceSeconds);  // ends this process if it hangs
-    std::cout << (side == Side::library ? measureLibrary(page, settings) : measureBareLoop(page, settings))
-              << std::flush;
+void runSide(Side side, const Case& measured, const Settings& settings) {
+    alarm(patience(settings));  // ends this process if it hangs
+    const auto subject =
+        side == Side::library ? makeLibrarySubject(settings.rate.value_or(measured.rate)) : makeBareSubject();
+    std::cout << toText(measured.measure(*subject, settings)) << std::flush;
 }
 
-Measurement measureInProcess(Side side, const PageText& page, const Settings& settings) {
+Figures measureInProcess(Side side, const Case& measured, const Settings& settings) {
     const OutputFile output(std::tmpfile());
     if (!output) {
         throw std::system_error(errno, std::generic_category(), "Making a temporary file");
     }
-    const int status = run({"--side", nameOf(side), "--page", page.option, "--seconds",
-                            std::to_string(settings.seconds), "--rate", std::to_string(settings.rate)},
-                           output.get());
-    Measurement measurement;
-    std::istringstream line(contentsOf(output.get()));
-    if (status != 0 || !(line >> measurement)) {
-        throw std::runtime_error(std::string(page.title) + ", " + nameOf(side) +
-                                 " side: " + (status != 0 ? describeEnd(status) : "it gave no figures"));
+    std::vector<std::string> arguments{measured.name, "--side", nameOf(side), "--seconds",
+                                       std::to_string(settings.seconds)};
+    if (settings.rate) {
+        arguments.insert(arguments.end(), {"--rate", std::to_string(*settings.rate)});
     }
-    return measurement;
+    const int status = run(arguments, output.get());
+    if (status != 0) {
+        throw std::runtime_error(std::string(measured.name) + ", " + nameOf(side) +
+                                 " side: " + describeEnd(status));
+    }
+    return figuresFrom(contentsOf(output.get()));
 }
 
 }  // namespace zarvik::bench

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Pages.h"
-#include "Sides.h"
+#include "Case.h"
 
 namespace zarvik::bench {
 
@@ -12,9 +11,9 @@ const char* nameOf(Side side);
 
 /// Measures in a process of its own: this program with the option --side. Throws std::runtime_error, naming
 /// what was measured, if that process fails or hangs.
-Measurement measureInProcess(Side side, const PageText& page, const Settings& settings);
+Figures measureInProcess(Side side, const Case& measured, const Settings& settings);
 
 /// What that process does: measures and prints the figures.
-void runSide(Side side, const PageText& page, const Settings& settings);
+void runSide(Side side, const Case& measured, const Settings& settings);
 
 }  // namespace zarvik::bench

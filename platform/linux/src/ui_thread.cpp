@@ -158,7 +158,9 @@ void ui_thread::become_current() {
 void ui_thread::post(std::function<void()> work) {
     std::lock_guard guard(lock);
     queue.push_back(std::move(work));
-    if (held == 0) {
+    // Only the first piece wakes the loop: those after it wait for their turn, and for a break if there is
+    // one.
+    if (held == 0 && queue.size() == 1) {
         g_source_set_ready_time(source, 0);
     }
 }

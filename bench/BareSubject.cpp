@@ -1,0 +1,194 @@
+#include <webkit2/webkit2.h>
+
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "Arrivals.h"
+#include "Subject.h"
+
+namespace zarvik::bench {
+
+namespace {
+
+/// The page's start is not measured.
+constexpr std::chrono::milliseconds warmUp{2000};
+
+struct Release {
+    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+    void operator()(cairo_t* context) const { cairo_destroy(context); }
+    void operator()(JSCValue* value) const { g_object_unref(value); }
+    void operator()(char* text) const { g_free(text); }
+    void operator()(GError* error) const { g_error_free(error); }
+};
+
+template <typename T>
+using Owned = std::unique_ptr<T, Release>;
+
+Owned<char> textOf(JSCValue* value) {
+    return Owned<char>(jsc_value_to_string(value));
+}
+
+GtkWidget* makeWindow() {
+    gtk_disable_setlocale();  // numbers are written as C++ writes them
+    if (!gtk_init_check(nullptr, nullptr)) {
+        throw std::runtime_error("GTK cannot open a display. Is DISPLAY set?");
+    }
+    auto* const window = gtk_offscreen_window_new();
+    gtk_widget_set_visual(window, gdk_screen_get_rgba_visual(gtk_widget_get_screen(window)));
+    gtk_widget_set_app_paintable(window, TRUE);
+    return window;
+}
+
+WebKitWebView* makeView() {
+    auto* const context = webkit_web_context_new_ephemeral();
+    auto* const view = WEBKIT_WEB_VIEW(webkit_web_view_new_with_context(context));
+    g_object_unref(context);
+    webkit_settings_set_hardware_acceleration_policy(webkit_web_view_get_settings(view),
+                                                     WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+    gtk_widget_set_size_request(GTK_WIDGET(view), pageWidth, pageHeight);
+    return view;
+}
+
+class BareSubject final : public Subject {
+  public:
+    BareSubject();
+    ~BareSubject() override { gtk_widget_destroy(window); }
+    BareSubject(const BareSubject&) = delete;
+    BareSubject& operator=(const BareSubject&) = delete;
+
+    void show(const std::string& html) override {
+        webkit_web_view_load_html(view, html.c_str(), nullptr);
+        run(warmUp);
+    }
+    void run(std::chrono::duration<double> time) override;
+
+    Reading read() override { return Reading::now(pictures); }
+    Pixel pixel(Point point) override;
+
+    void evaluate(std::uint64_t number, const std::string& script) override;
+    void waitForResults(std::uint64_t count) override {
+        runUntil([&] { return results.reached(count); });
+    }
+
+    void runPosting(const std::string& script) override {
+        runScript("{ const post = (text) => webkit.messageHandlers.bench.postMessage(text); " + script +
+                  " }");
+    }
+    void waitForMessages(std::uint64_t count) override {
+        runUntil([&] { return messages.reached(count); });
+    }
+
+    void watch(Point point) override { watched = point; }
+    void pressPointer(Point point) override { dispatch("pointerdown", point); }
+    void releasePointer(Point point) override { dispatch("pointerup", point); }
+    Clock::time_point waitForColour(const Pixel& colour) override {
+        runUntil([&] { return pixel(watched) == colour; });
+        return lastPicture;
+    }
+
+  private:
+    static gboolean onDamage(GtkWidget*, GdkEventExpose* event, gpointer self);
+    static void onResult(GObject* view, GAsyncResult* result, gpointer self);
+    static void onMessage(WebKitUserContentManager*, WebKitJavascriptResult* message, gpointer self);
+
+    template <typename Predicate>
+    void runUntil(const Predicate& satisfied) {
+        while (!satisfied()) {
+            g_main_context_iteration(nullptr, TRUE);
+        }
+    }
+    void runScript(const std::string& script) {
+        webkit_web_view_evaluate_javascript(view, script.c_str(), -1, nullptr, nullptr, nullptr, nullptr,
+                                            nullptr);
+    }
+    void dispatch(const std::string& type, Point point);
+
+    GtkWidget* const window;
+    WebKitWebView* const view;
+    std::vector<std::uint8_t> pixels;
+    const Owned<cairo_surface_t> target;
+    std::uint64_t pictures = 0;
+    Clock::time_point lastPicture;
+    Arrivals results;
+    Arrivals messages;
+    Point watched;
+};
+
+BareSubject::BareSubject()
+    : window(makeWindow()),
+      view(makeView()),
+      pixels(std::size_t{pageWidth} * pageHeight * 4),
+      target(cairo_image_surface_create_for_data(pixels.data(), CAIRO_FORMAT_ARGB32, pageWidth, pageHeight,
+                                                 pageWidth * 4)) {
+    g_signal_connect(window, "damage-event", G_CALLBACK(onDamage), this);
+    gtk_container_add(GTK_CONTAINER(window), GTK_WIDGET(view));
+    auto* const content = webkit_web_view_get_user_content_manager(view);
+    g_signal_connect(content, "script-message-received::bench", G_CALLBACK(onMessage), this);
+    webkit_user_content_manager_register_script_message_handler(content, "bench");
+    gtk_widget_show_all(window);
+}
+
+gboolean BareSubject::onDamage(GtkWidget*, GdkEventExpose* event, gpointer data) {
+    auto& self = *static_cast<BareSubject*>(data);
+    const Owned<cairo_t> context(cairo_create(self.target.get()));
+    gdk_cairo_region(context.get(), event->region);
+    cairo_clip(context.get());
+    gtk_widget_draw(GTK_WIDGET(self.view), context.get());
+    cairo_surface_flush(self.target.get());
+    ++self.pictures;
+    self.lastPicture = Clock::now();
+    return GDK_EVENT_PROPAGATE;
+}
+
+void BareSubject::run(std::chrono::duration<double> time) {
+    bool over = false;
+    g_timeout_add_once(
+        static_cast<guint>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count()),
+        [](gpointer flag) { *static_cast<bool*>(flag) = true; }, &over);
+    runUntil([&] { return over; });
+}
+
+Pixel BareSubject::pixel(Point point) {
+    const auto* const first = &pixels.at((std::size_t{pageWidth} * point.y + point.x) * 4);
+    return {first[0], first[1], first[2], first[3]};
+}
+
+// A function call with the script as its argument, since that is what the library owes its caller.
+void BareSubject::evaluate(std::uint64_t, const std::string& script) {
+    GVariantDict arguments;
+    g_variant_dict_init(&arguments, nullptr);
+    g_variant_dict_insert_value(&arguments, "text", g_variant_new_string(script.c_str()));
+    webkit_web_view_call_async_javascript_function(view, "return evaluate(text)", -1,
+                                                   g_variant_dict_end(&arguments), nullptr, nullptr, nullptr,
+                                                   onResult, this);
+}
+
+void BareSubject::onResult(GObject* view, GAsyncResult* result, gpointer self) {
+    GError* error = nullptr;
+    const Owned<JSCValue> value(
+        webkit_web_view_call_async_javascript_function_finish(WEBKIT_WEB_VIEW(view), result, &error));
+    const Owned<GError> failure(error);
+    static_cast<BareSubject*>(self)->results.add(value ? textOf(value.get()).get() : failure->message);
+}
+
+void BareSubject::onMessage(WebKitUserContentManager*, WebKitJavascriptResult* message, gpointer self) {
+    static_cast<BareSubject*>(self)->messages.add(
+        textOf(webkit_javascript_result_get_js_value(message)).get());
+}
+
+void BareSubject::dispatch(const std::string& type, Point point) {
+    const auto x = std::to_string(point.x);
+    const auto y = std::to_string(point.y);
+    runScript("document.elementFromPoint(" + x + ", " + y + ").dispatchEvent(new PointerEvent('" + type +
+              "', {bubbles: true, cancelable: true, clientX: " + x + ", clientY: " + y +
+              ", pointerId: 1, pointerType: 'mouse', isPrimary: true}))");
+}
+
+}  // namespace
+
+std::unique_ptr<Subject> makeBareSubject() {
+    return std::make_unique<BareSubject>();
+}
+
+}  // namespace zarvik::bench
