@@ -36,13 +36,13 @@ set(CMAKE_RANLIB "${ZARVIK_WINDOWS}/bin/zig-ranlib" CACHE FILEPATH "")
 set(CMAKE_C_STANDARD_LIBRARIES "" CACHE STRING "")
 set(CMAKE_CXX_STANDARD_LIBRARIES "" CACHE STRING "")
 
-# Compiling and linking need the same -O and -s: zig builds its runtime once per combination (a minute or two).
-# So the configure step's own checks do not link either. -s: no debug file.
+# Compiling and linking need the same -O: zig builds its runtime once per combination (some minutes).
+# So the configure step's own checks do not link either. The debug information goes to a file beside the DLL.
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
-set(CMAKE_C_FLAGS_RELEASE "-O2 -s -DNDEBUG" CACHE STRING "")
-set(CMAKE_CXX_FLAGS_RELEASE "-O2 -s -DNDEBUG" CACHE STRING "")
-set(CMAKE_EXE_LINKER_FLAGS_RELEASE "-O2 -s" CACHE STRING "")
-set(CMAKE_SHARED_LINKER_FLAGS_RELEASE "-O2 -s" CACHE STRING "")
+set(CMAKE_C_FLAGS_RELEASE "-O2 -gline-tables-only -DNDEBUG" CACHE STRING "")
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -gline-tables-only -DNDEBUG" CACHE STRING "")
+set(CMAKE_EXE_LINKER_FLAGS_RELEASE "-O2" CACHE STRING "")
+set(CMAKE_SHARED_LINKER_FLAGS_RELEASE "-O2" CACHE STRING "")
 
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

@@ -65,14 +65,14 @@ link_headers() {
 }
 
 # zig builds its C and C++ runtime at the first link of each kind, with pages of warnings: do it here, quietly,
-# with the very -O and -s of cmake/uwp-toolchain.cmake.
+# with the very -O of cmake/uwp-toolchain.cmake.
 build_runtimes() {
     say "Building the C and C++ runtime for ARM64 and x64 (4 to 6 minutes) ..."
     echo '#include <string>
 extern "C" int empty(char const* text) { return int(std::string(text).size()); }' >"$windows/empty.cpp"
     local processor job jobs=() broken=
     for processor in aarch64 x86_64; do
-        "$windows/bin/zig-c++" -target "$processor-windows-gnu" -O2 -s -std=c++20 -shared "$windows/empty.cpp" \
+        "$windows/bin/zig-c++" -target "$processor-windows-gnu" -O2 -std=c++20 -shared "$windows/empty.cpp" \
             -o "$windows/empty-$processor.dll" >"$windows/runtime-$processor.log" 2>&1 &
         jobs+=($!)
     done

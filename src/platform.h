@@ -12,7 +12,11 @@
 #include <winrt/Windows.Foundation.h>
 #include <winrt/Windows.Graphics.Display.h>
 #include <winrt/Windows.Graphics.Imaging.h>
+#include <winrt/Windows.Networking.BackgroundTransfer.h>
+#include <winrt/Windows.Security.Cryptography.Core.h>
+#include <winrt/Windows.Security.Cryptography.h>
 #include <winrt/Windows.Storage.Streams.h>
+#include <winrt/Windows.Storage.h>
 #include <winrt/Windows.UI.Core.h>
 #include <winrt/Windows.UI.ViewManagement.h>
 #include <winrt/Windows.UI.Xaml.Controls.h>
@@ -31,5 +35,6 @@ namespace foundation = winrt::Windows::Foundation;
 namespace http = winrt::Windows::Web::Http;
 namespace imaging = winrt::Windows::Graphics::Imaging;
 namespace json = winrt::Windows::Data::Json;
+namespace storage = winrt::Windows::Storage;
 namespace streams = winrt::Windows::Storage::Streams;
 namespace xaml = winrt::Windows::UI::Xaml;

@@ -36,6 +36,7 @@ inline constexpr const char* scriptResultMissing =
     "the Unity player logs.";
 
 inline constexpr const char* loadFailed = "Page load failed with WebErrorStatus: ";
+inline constexpr const char* localContentRefused = "A page isn't allowed to open the local content ";
 inline constexpr const char* cannotLoadUrl = "Cannot load the URL ";
 inline constexpr const char* invalidHeader = "The following header is invalid and will be ignored: ";
 

@@ -148,6 +148,7 @@ foundation::IAsyncAction UwpWebView::teardown() {
 }
 
 void UwpWebView::removeControl() {
+    pdfLoader.abandon();
     // The reference goes in any case: XAML objects must not outlive the UI thread's part of the instance.
     const controls::WebView control = std::exchange(webView, nullptr);
     controls::Panel panel{nullptr};

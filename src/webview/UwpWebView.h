@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "local_content/PdfLoader.h"
 #include "platform.h"
 #include "webview/UIThread.h"
 
@@ -110,6 +111,8 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     /// Posts a step that loads something; without a control the load has failed.
     template <typename Step>
     void postLoadStep(const char* operation, Step step);
+    /// Shows a PDF document, local or from the network. UI thread.
+    void loadPdf(const std::string& url);
     /// Runs a navigation; what the platform refuses is reported as a failed load of the URL.
     template <typename Navigation>
     void startLoad(const std::string& url, Navigation navigate);
@@ -139,6 +142,7 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     std::atomic<bool> consoleMessageEventsEnabled{false};
     std::atomic<bool> defaultBackgroundEnabled{true};
     std::atomic<bool> focusedInputFieldEventsEnabled{false};
+    PdfLoader pdfLoader{*this};
     const std::string messageTargetName;
 };
 

@@ -1,7 +1,8 @@
 #include "exports/HostChannel.h"
 #include "exports/HostMessages.h"
 #include "exports/ProcessSettings.h"
-#include "local_content/LocalContent.h"
+#include "local_content/FileUriToStreamResolver.h"
+#include "local_content/LocalUrls.h"
 #include "webview/LogTexts.h"
 #include "webview/NavigationRules.h"
 #include "webview/UwpWebView.h"
@@ -41,11 +42,12 @@ void UwpWebView::onNavigationStarting(const controls::WebViewNavigationStartingE
     const std::string url = uri ? winrt::to_string(uri.AbsoluteUri()) : "about:blank";
     if (isPdfUrl(url) && !url.starts_with("ms-local-stream:")) {
         arguments.Cancel(true);
-        local_content::loadPdf(*this, url);
+        loadPdf(url);
         return;
     }
+    pdfLoader.abandon();
     addPageBridge();
-    sendMessage(messages::messageEmitted, urlChangedMessage(url));
+    sendMessage(messages::messageEmitted, urlChangedMessage(local_urls::toReport(url, pdfLoader.sources())));
     sendMessage(messages::loadStarted, "");
 }
 
@@ -70,8 +72,20 @@ void UwpWebView::onNavigationCompleted(const controls::WebViewNavigationComplete
 void UwpWebView::onNewWindowRequested(const controls::WebViewNewWindowRequestedEventArgs& arguments) {
     // Everything opens in this same web view.
     arguments.Handled(true);
-    if (const auto uri = arguments.Uri()) {
+    const auto uri = arguments.Uri();
+    if (!uri) {
+        return;
+    }
+    const auto isLocal = [](const foundation::Uri& of) {
+        return of && of.SchemeName() == L"ms-local-stream";
+    };
+    if (!isLocal(uri) && uri.SchemeName() != L"file") {
         webView.Navigate(uri);
+    } else if (isLocal(uri) && isLocal(webView.Source())) {
+        webView.NavigateToLocalStreamUri(uri, sharedResolver());
+    } else {
+        // What the view opens for a page, it must not open in its own name.
+        logError(log_texts::localContentRefused + winrt::to_string(uri.AbsoluteUri()));
     }
 }
 

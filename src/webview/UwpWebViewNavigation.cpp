@@ -1,7 +1,8 @@
 #include "exports/Exceptions.h"
 #include "exports/HostChannel.h"
 #include "exports/HostMessages.h"
-#include "local_content/LocalContent.h"
+#include "local_content/FileUriToStreamResolver.h"
+#include "local_content/LocalUrls.h"
 #include "webview/LogTexts.h"
 #include "webview/NavigationRules.h"
 #include "webview/UwpWebView.h"
@@ -56,13 +57,21 @@ void UwpWebView::postLoadStep(const char* operation, Step step) {
 void UwpWebView::loadUrl(std::string url) {
     postLoadStep("loadUrl", [url = std::move(url)](UwpWebView& view) {
         if (isPdfUrl(url)) {
-            local_content::loadPdf(view, url);
+            view.loadPdf(url);
         } else if (url.starts_with("file:")) {
-            local_content::loadFile(view, url);
+            view.startLoad(url, [&] {
+                view.webView.NavigateToLocalStreamUri(
+                    local_urls::page(view.webView, foundation::Uri(winrt::to_hstring(url))),
+                    sharedResolver());
+            });
         } else {
             view.startLoad(url, [&] { view.webView.Navigate(foundation::Uri(winrt::to_hstring(url))); });
         }
     });
+}
+
+void UwpWebView::loadPdf(const std::string& url) {
+    startLoad(url, [&] { pdfLoader.load(url); });
 }
 
 void UwpWebView::loadUrlWithHeaders(std::string url, std::string headers) {
@@ -90,7 +99,10 @@ void UwpWebView::reload() {
 }
 
 void UwpWebView::stopLoad() {
-    postControlStep(*this, "stopLoad", [](UwpWebView& view) { view.webView.Stop(); });
+    postControlStep(*this, "stopLoad", [](UwpWebView& view) {
+        view.pdfLoader.stop();
+        view.webView.Stop();
+    });
 }
 
 void UwpWebView::canGoBack() {

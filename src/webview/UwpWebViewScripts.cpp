@@ -53,7 +53,10 @@ foundation::IAsyncAction UwpWebView::invokeScript(std::shared_ptr<UwpWebView> vi
                 co_await view->webView.InvokeScriptAsync(answers ? L"_evalToString" : L"eval", {script});
             result = winrt::to_string(text);
         } catch (const winrt::hresult_error& error) {
-            logScriptFailure(error);
+            // With its view a script ends as well, and nobody needs to hear of it.
+            if (!view->destroyed) {
+                logScriptFailure(error);
+            }
         }
     }
     if (answers && !view->destroyed) {

@@ -1,9 +1,12 @@
+#include <winrt/ZarvikWebViewRuntimeComponent.h>
+
 #include <chrono>
 
 #include "PageTest.h"
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
+using winrt::Windows::Foundation::Uri;
 
 namespace {
 
@@ -35,6 +38,18 @@ class ScriptsTest : public PageTest {
     }
     static std::wstring callText(WebView const& view, std::wstring const& name, std::wstring const& text) {
         return textOf(call(view, name, text));
+    }
+
+    /// Starts evaluations within one turn of the user-interface thread.
+    static std::vector<std::future<Answer>> startTogether(WebView const& view,
+                                                          std::vector<std::wstring> const& texts) {
+        return onUIThread([&] {
+            std::vector<std::future<Answer>> answers;
+            for (auto const& text : texts) {
+                answers.push_back(startCall(view, L"eval", text));
+            }
+            return answers;
+        });
     }
 
     /// Serves a document with a content security policy.
@@ -133,6 +148,57 @@ TEST_F(ScriptsTest, RunAndEndInOrder) {
     EXPECT_EQ(L"," + evalText(view, L"calls.join()"), expected);
 }
 
+// The page serves promises and observers of one call before the next one runs, and each may do what takes a
+// user's action. What was done to the view before has reached the page, and what the page sends meanwhile is
+// there before the answer.
+TEST_F(ScriptsTest, AreTasksOfTheirOwn) {
+    auto const view = makeView();
+    auto const sent = std::make_shared<std::vector<std::string>>();
+    onUIThread([&] {
+        view.NavigationStarting([sent](auto const& sender, auto const&) {
+            winrt::ZarvikWebViewRuntimeComponent::JavaScriptBridge const bridge;
+            bridge.MessageEmitted([sent](auto const& text) { sent->push_back(winrt::to_string(text)); });
+            sender.AddWebAllowedObject(L"bridge", bridge);
+        });
+    });
+    loadText(view,
+             LR"(<script>
+        let seen = [];
+        const note = (text) => seen.push(text);
+        new MutationObserver(() => note('change')).observe(document.documentElement, {attributes: true});
+        addEventListener('click', () => note('click'), true);
+        const act = (name) => {
+            note(name);
+            Promise.resolve().then(() => note('then')).then(() => note('after'));
+            queueMicrotask(() => note('micro'));
+            document.documentElement.title = name;
+            bridge.postMessage(name);
+            return navigator.userActivation.isActive + seen.join();
+        };
+    </script>)");
+    auto answers = startTogether(view, {L"act('1')", L"act('2')", L"''", L"act('3')"});
+    std::wstring const served = L"then,micro,change,after";
+    EXPECT_EQ(textOf(wait(answers[0])), L"true1");
+    EXPECT_EQ(textOf(wait(answers[1])), L"true1," + served + L",2");
+    EXPECT_EQ(textOf(wait(answers[3])), L"true1," + served + L",2," + served + L",3");
+
+    auto const other = makeView();
+    loadText(other, L"<title>other</title>");
+    for (auto const& focused : {other, view, other}) {
+        auto answer = onUIThread([&] {
+            focused.Focus(winrt::Windows::UI::Xaml::FocusState::Programmatic);
+            return startCall(focused, L"eval", L"String(document.hasFocus())");
+        });
+        EXPECT_EQ(textOf(wait(answer)), L"true");
+    }
+
+    for (int i = 0; i < 200; ++i) {
+        onUIThread([&] { sent->clear(); });
+        EXPECT_EQ(evalText(view, L"bridge.postMessage('a'); bridge.postMessage('b'); ''"), L"");
+        ASSERT_EQ(onUIThread([&] { return *sent; }), (std::vector<std::string>{"a", "b"}));
+    }
+}
+
 TEST_F(ScriptsTest, WorkInPagesThatForbidEvaluation) {
     std::string const body = R"(<title>strict</title><script nonce="n">
         const attempt = () => { try { return String(eval('1 + 1')) } catch (error) { return error.name } };
@@ -200,6 +266,14 @@ TEST_F(ScriptsTest, SurviveHostilePages) {
     EXPECT_EQ(callText(view, L"proxy", L""), L"");
     EXPECT_EQ(evalText(view, L"'x' + 1"), L"x1");
     EXPECT_EQ(evalText(bystander, L"document.title"), L"bystander");
+
+    // A document that is written anew, and one with elements that are called as something in the other world.
+    loadText(view, L"<form id=run></form><form id=answer></form><img id=runTasks><img id=page>");
+    EXPECT_EQ(evalText(view, L"'x' + document.images.length"), L"x2");
+    EXPECT_EQ(
+        evalText(view, L"document.open(); document.write('<title>new</title>'); document.close(); 'written'"),
+        L"written");
+    EXPECT_EQ(evalText(view, L"document.title"), L"new");
 }
 
 // Whatever a page can see while a function of its own runs belongs to its own world: nothing leads to the
@@ -237,8 +311,10 @@ TEST_F(ScriptsTest, DoNotShowPagesTheCallersWorld) {
         load(view, server.url(path));
         EXPECT_EQ(callText(view, L"probe", L"x"), L"probed");
         EXPECT_EQ(evalText(view, L"[...new Set(seen)].join()"), L"");
-        EXPECT_EQ(evalText(view, L"typeof invoke + typeof page + typeof evaluate + typeof webkit"),
-                  L"undefinedundefinedundefinedundefined");
+        EXPECT_EQ(evalText(view,
+                           L"[typeof page, typeof evaluate, typeof runTasks, typeof answer, typeof run, "
+                           L"typeof webkit].filter(type => type !== 'undefined').join()"),
+                  L"");
     }
 }
 
@@ -254,23 +330,53 @@ TEST_F(ScriptsTest, FailWhenTheirPageGoes) {
     while (overtaken.size() < 2000) {
         overtaken.push_back(startCall(view, L"eval", L"document.title"));
     }
-    auto const isNext = [&] { return evalText(view, L"document.title") == L"next"; };
-    auto const limit = std::chrono::steady_clock::now() + 20s;
-    while (!isNext() && std::chrono::steady_clock::now() < limit) {
-    }
+    auto const reachesNext = [&] {
+        auto const limit = std::chrono::steady_clock::now() + 20s;
+        bool reached = false;
+        while (!reached && std::chrono::steady_clock::now() < limit) {
+            reached = evalText(view, L"document.title") == L"next";
+        }
+        return reached;
+    };
+    EXPECT_TRUE(reachesNext());
     for (auto& answer : overtaken) {
         auto const [text, code] = wait(answer);
         EXPECT_TRUE(code == S_OK || code == E_ABORT) << code.value;
     }
-    EXPECT_EQ(evalText(view, L"document.title"), L"next");
 
-    // A page in an endless loop, whose process is ended.
+    // What is called before a navigation still reaches the page that goes.
+    for (int i = 0; i < 20; ++i) {
+        load(view, server.url("/"));
+        auto const number = std::to_wstring(i);
+        auto last = onUIThread([&] {
+            auto answer = startCall(view, L"eval", L"sessionStorage.last = '" + number + L"'");
+            view.Navigate(Uri(winrt::to_hstring(server.url("/next"))));
+            return answer;
+        });
+        EXPECT_EQ(textOf(wait(last)), number);
+        ASSERT_TRUE(reachesNext());
+        EXPECT_EQ(evalText(view, L"sessionStorage.last"), number);
+    }
+
+    // A page in an endless loop, whose process is ended: what had ended before is answered before.
     load(view, server.url("/"));
-    auto endless = startCall(view, L"loop", L"");
-    auto queued = startCall(view, L"eval", L"'after'");
-    EXPECT_EQ(endless.wait_for(100ms), std::future_status::timeout);
+    std::vector<std::wstring> texts(600, L"document.title");
+    texts.emplace_back(L"'x'.repeat(3000000)");
+    texts.emplace_back(L"throw 1");
+    auto const finished = texts.size();
+    texts.emplace_back(L"loop()");
+    texts.emplace_back(L"'after'");
+    auto answers = startTogether(view, texts);
+    auto queued = startCall(view, L"eval", L"'queued'");
+    for (size_t i = 0; i + 2 < finished; ++i) {
+        ASSERT_EQ(textOf(wait(answers[i])), L"first");
+    }
+    EXPECT_EQ(textOf(wait(answers[finished - 2])).size(), 3000000U);
+    EXPECT_EQ(wait(answers[finished - 1]).code, scriptThrew);
+    EXPECT_EQ(answers[finished].wait_for(100ms), std::future_status::timeout);
     killPageProcess(view);
-    EXPECT_EQ(wait(endless).code, RPC_E_DISCONNECTED);
+    EXPECT_EQ(wait(answers[finished]).code, RPC_E_DISCONNECTED);
+    EXPECT_EQ(wait(answers[finished + 1]).code, RPC_E_DISCONNECTED);
     EXPECT_EQ(wait(queued).code, RPC_E_DISCONNECTED);
     EXPECT_EQ(eval(view, L"'no page'").code, E_ILLEGAL_METHOD_CALL);
     load(view, server.url("/next"));

@@ -13,18 +13,6 @@ std::string urlChanged(const std::string& url) {
 
 namespace {
 
-/// Calls until it is true.
-bool poll(const std::function<bool()>& satisfied) {
-    const auto limit = std::chrono::steady_clock::now() + Recorder::defaultTimeout;
-    while (!satisfied()) {
-        if (std::chrono::steady_clock::now() >= limit) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return true;
-}
-
 bool isFromAgent(const zarvik::host::Record& record) {
     return record.method == "HandleMessageEmitted" && record.payload.starts_with(R"({"type":"zarvik.)");
 }
@@ -62,6 +50,17 @@ bool EngineTest::waitForError(const std::string& text, std::size_t position) {
         .has_value();
 }
 
+bool EngineTest::waitUntil(const std::function<bool()>& satisfied) {
+    const auto limit = std::chrono::steady_clock::now() + Recorder::defaultTimeout;
+    while (!satisfied()) {
+        if (std::chrono::steady_clock::now() >= limit) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+}
+
 void EngineTest::load(View& view, const std::string& url) {
     view.loadUrl(url);
     const auto result = view.waitForLoad();
@@ -75,12 +74,12 @@ void EngineTest::loadHtml(View& view, const std::string& html) {
 }
 
 bool EngineTest::waitForPixels(const View& view, const std::function<bool(const Image&)>& expected) {
-    return poll([&] {
+    return waitUntil([&] {
         const auto image = view.readPixels();
         return !image.pixels.empty() && expected(image);
     });
 }
 
 bool EngineTest::waitForResult(const View& view, const std::string& script, const std::string& expected) {
-    return poll([&] { return view.evaluate(script) == expected; });
+    return waitUntil([&] { return view.evaluate(script) == expected; });
 }

@@ -33,6 +33,9 @@ class EngineTest : public testing::Test {
     void load(View& view, const std::string& url);
     void loadHtml(View& view, const std::string& html);
 
+    /// Asks again and again until it is true; false after a while.
+    static bool waitUntil(const std::function<bool()>& satisfied);
+
     /// Waits until a script's result is the one expected.
     bool waitForResult(const View& view, const std::string& script, const std::string& expected);
 

@@ -105,6 +105,14 @@ union LARGE_INTEGER {
 #define RPC_E_TIMEOUT (static_cast<HRESULT>(0x8001011FU))
 #define WEB_E_INVALID_JSON_STRING (static_cast<HRESULT>(0x83750007U))
 #define WEB_E_JSON_VALUE_NOT_FOUND (static_cast<HRESULT>(0x83750009U))
+#define WININET_E_TIMEOUT (static_cast<HRESULT>(0x80072EE2U))
+#define WININET_E_NAME_NOT_RESOLVED (static_cast<HRESULT>(0x80072EE7U))
+#define WININET_E_CANNOT_CONNECT (static_cast<HRESULT>(0x80072EFDU))
+#define WININET_E_CONNECTION_ABORTED (static_cast<HRESULT>(0x80072EFEU))
+#define WININET_E_CONNECTION_RESET (static_cast<HRESULT>(0x80072EFFU))
+#define WININET_E_INVALID_CA (static_cast<HRESULT>(0x80072F0DU))
+#define WININET_E_REDIRECT_FAILED (static_cast<HRESULT>(0x80072F7CU))
+#define WININET_E_SECURITY_CHANNEL_ERROR (static_cast<HRESULT>(0x80072F7DU))
 #define WINCODEC_ERR_WRONGSTATE (static_cast<HRESULT>(0x88982F04U))
 #define WINCODEC_ERR_COMPONENTNOTFOUND (static_cast<HRESULT>(0x88982F50U))
 #define WINCODEC_ERR_FRAMEMISSING (static_cast<HRESULT>(0x88982F62U))
@@ -118,6 +126,20 @@ union LARGE_INTEGER {
                           (static_cast<std::uint32_t>(facility) << 16) | static_cast<std::uint32_t>(code)))
 #define SEVERITY_SUCCESS 0
 #define SEVERITY_ERROR 1
+
+// Win32 error codes, and the result codes that stand for them.
+#define ERROR_FILE_NOT_FOUND 2
+#define ERROR_PATH_NOT_FOUND 3
+#define ERROR_TOO_MANY_OPEN_FILES 4
+#define ERROR_NOT_SAME_DEVICE 17
+#define ERROR_SHARING_VIOLATION 32
+#define ERROR_DISK_FULL 112
+#define ERROR_ALREADY_EXISTS 183
+#define ERROR_FILENAME_EXCED_RANGE 206
+#define ERROR_IO_DEVICE 1117
+#define ERROR_CANCELLED 1223
+#define ERROR_CANT_RESOLVE_FILENAME 1921
+#define HRESULT_FROM_WIN32(error) (static_cast<HRESULT>(0x80070000U | static_cast<std::uint32_t>(error)))
 
 struct GUID {
     std::uint32_t Data1;

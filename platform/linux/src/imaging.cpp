@@ -83,7 +83,9 @@ com_array<uint8_t> PixelDataProvider::DetachPixelData() const {
 
 Foundation::IAsyncOperation<BitmapDecoder> BitmapDecoder::CreateAsync(
     Storage::Streams::IRandomAccessStream const& stream) {
-    auto image = implementation_of<runtime::memory_stream>(stream)->held_picture();
+    auto const source = implementation_of<runtime::stream_object>(stream);
+    auto const* const memory = dynamic_cast<runtime::memory_stream const*>(source.get());
+    auto image = memory ? memory->held_picture() : std::nullopt;
     if (!image) {
         throw hresult_error(WINCODEC_ERR_COMPONENTNOTFOUND,
                             L"The stream holds no picture that can be decoded.");
@@ -116,8 +118,7 @@ Foundation::IAsyncOperation<BitmapEncoder> BitmapEncoder::CreateAsync(
     if (encoderId != runtime::pngEncoder) {
         throw hresult_error(WINCODEC_ERR_COMPONENTNOTFOUND, L"Pictures can only be encoded as PNG.");
     }
-    co_return BitmapEncoder(
-        std::make_shared<encoder_object>(implementation_of<runtime::memory_stream>(stream)));
+    co_return BitmapEncoder(std::make_shared<encoder_object>(runtime::memory_stream_of(stream)));
 }
 
 // NOLINTEND(cppcoreguidelines-avoid-reference-coroutine-parameters)

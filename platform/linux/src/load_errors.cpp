@@ -40,6 +40,9 @@ constexpr mapping mappings[] = {
 }  // namespace
 
 WebErrorStatus error_status(GError const& error) {
+    if (error.domain == platform_error_quark()) {
+        return static_cast<WebErrorStatus>(error.code);
+    }
     for (auto const& [domain, code, status] : mappings) {
         if (g_error_matches(&error, domain(), code)) {
             return status;
@@ -64,6 +67,10 @@ WebErrorStatus error_status(GTlsCertificateFlags certificate_errors) {
         }
     }
     return WebErrorStatus::CertificateContainsErrors;
+}
+
+GQuark platform_error_quark() {
+    return g_quark_from_static_string("platform-error");
 }
 
 bool is_cancellation(GError const& error) {

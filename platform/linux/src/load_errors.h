@@ -10,6 +10,9 @@ namespace runtime {
 winrt::Windows::Web::WebErrorStatus error_status(GError const& error);
 winrt::Windows::Web::WebErrorStatus error_status(GTlsCertificateFlags certificate_errors);
 
+/// The domain of errors whose codes are those of the platform already.
+GQuark platform_error_quark();
+
 /// Whether the error says that the load was given up, not that it failed.
 bool is_cancellation(GError const& error);
 

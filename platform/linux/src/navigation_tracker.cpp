@@ -4,6 +4,7 @@
 
 #include "glib_ptr.h"
 #include "load_errors.h"
+#include "local_content.h"
 
 namespace runtime {
 
@@ -140,6 +141,8 @@ gboolean navigation_tracker::on_decide_policy(WebKitWebView*, WebKitPolicyDecisi
                                               WebKitPolicyDecisionType type, gpointer data) {
     auto* const self = static_cast<navigation_tracker*>(data);
     bool allowed = true;
+    if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) fprintf(stderr, "RESPONSE %s\n", webkit_uri_request_get_uri(webkit_response_policy_decision_get_request(WEBKIT_RESPONSE_POLICY_DECISION(decision))));
+    else { auto* a = webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision)); fprintf(stderr, "NAV %s type %d redirect %d frame %s\n",  webkit_uri_request_get_uri(webkit_navigation_action_get_request(a)), webkit_navigation_action_get_navigation_type(a), webkit_navigation_action_is_redirect(a), webkit_navigation_action_get_frame_name(a)); }
     if (type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) {
         allowed = self->decide_navigation(webkit_navigation_policy_decision_get_navigation_action(
             WEBKIT_NAVIGATION_POLICY_DECISION(decision)));
@@ -182,10 +185,10 @@ void navigation_tracker::handle_message(std::string const& message) {
 }
 
 bool navigation_tracker::decide_navigation(WebKitNavigationAction* action) {
-    if (webkit_navigation_action_is_redirect(action)) {
-        return true;
-    }
     std::string const target = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
+    if (webkit_navigation_action_is_redirect(action)) {
+        return !is_local(target);
+    }
     bool const from_document =
         target == announced && g_get_monotonic_time() - announced_at < announcement_lifetime_us;
     if (!from_document) {

@@ -19,8 +19,8 @@ inline user_script make_page_script(char const* source) {
                                                         page_world, nullptr, nullptr));
 }
 
-/// Has the engine load what makes `page` and `evaluate` into its page processes. It lies beside this library;
-/// throws E_FAIL when it is missing there.
+/// Has the engine load into its page processes what gives that world `page`, `evaluate` and what else scripts
+/// cannot get by themselves. It lies beside this library; throws E_FAIL when it is missing there.
 void offer_page_access(WebKitWebContext* context);
 
 }  // namespace runtime

@@ -14,7 +14,7 @@ namespace {
 using clock = std::chrono::steady_clock;
 
 /// Threads that run work in the order in which it falls due. They live as long as the process and are started
-/// when work finds none idle, up to a limit.
+/// when there is more work than threads that are idle, up to a limit.
 class pool {
   public:
     static pool& instance() {
@@ -25,7 +25,7 @@ class pool {
     void submit(clock::time_point due, std::function<void()> work) {
         std::lock_guard guard(lock);
         pending.emplace(due, std::move(work));
-        if (idle == 0 && count < limit) {
+        if (pending.size() > idle && count < limit) {
             ++count;
             std::thread([this] { run(); }).detach();
         }

@@ -1,10 +1,12 @@
 #include "script_calls.h"
 
+#include <gio/gunixfdlist.h>
+
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "glib_ptr.h"
 #include "page_world.h"
-#include "script_text.h"
 #include "ui_thread.h"
 
 namespace runtime {
@@ -13,6 +15,13 @@ namespace {
 
 /// What the engine's script hosts report for a script that threw.
 constexpr winrt::hresult script_threw = static_cast<HRESULT>(0x80020101U);
+
+/// The priority of the engine's own work in the loop. What joins it runs after it, so pages hear of what was
+/// done to their view before they are called: of the focus, for one.
+constexpr int behind_engine = G_PRIORITY_DEFAULT + 1;
+
+/// How often answers are looked for that calls after them may hold up.
+constexpr guint tick_ms = 20;
 
 /// First character of what the script below answers.
 constexpr char returned = 'r';
@@ -35,7 +44,7 @@ void end(script_calls::operation& operation, std::string_view answer) {
             return operation.fail(
                 error(DISP_E_UNKNOWNNAME, winrt::to_hstring("The page has no function " + text)));
         default:
-            return operation.fail(error(E_ILLEGAL_METHOD_CALL, L"The page is not ready for scripts yet."));
+            return operation.fail(error(E_FAIL, L"The page's process gave an answer that makes no sense."));
     }
 }
 
@@ -51,11 +60,11 @@ void end(script_calls::operation& operation, std::string_view answer) {
 // block.
 char const* const script_calls::script = R"((() => {
     'use strict';
-    if (window.invoke) {
+    if (window.run) {
         window.reopened = true;  // document.open() runs the scripts of a document's start once more
         return;
     }
-    const {page, evaluate} = window;
+    const {page, evaluate, runTasks, answer} = window;
     const pageEval = page.eval;
     const open = evaluate(`((evaluate, EvalError) => () => {
         let isOpen = true;
@@ -103,9 +112,8 @@ char const* const script_calls::script = R"((() => {
             return '';
         }
     };
-    window.invoke = (call) => {
+    const invoke = (name, texts) => {
         try {
-            const [name, ...texts] = JSON.parse(call);
             let result;
             if (name === 'eval') {
                 result = forbidsEvaluation() ? open().run(texts[0]) : pageEval(texts[0]);
@@ -121,14 +129,28 @@ char const* const script_calls::script = R"((() => {
             return 't' + describe(error);
         }
     };
+
+    // Tasks, so that what a call asks of promises is done before the next call. The element is in no document.
+    const element = document.createElementNS('http://www.w3.org/1999/xhtml', 'div');
+    let calls;
+    element.addEventListener('click', () => {
+        const [number, name, ...texts] = calls.next().value;
+        answer(number, invoke(name, texts));
+    });
+    window.run = (batch) => {
+        calls = batch.values();
+        runTasks(element, batch.length);
+    };
 })())";
 
-struct script_calls::pending_call {
+/// What one script has the page run.
+struct script_calls::batch {
     std::shared_ptr<script_calls*> owner;
-    std::shared_ptr<operation> ending;
+    uint64_t last;
 };
 
 script_calls::script_calls(WebKitWebView* view) : view(view), self(std::make_shared<script_calls*>(this)) {
+    g_signal_connect(view, "decide-policy", G_CALLBACK(on_decide_policy), this);
     g_signal_connect(view, "load-changed", G_CALLBACK(on_load_changed), this);
     g_signal_connect(view, "web-process-terminated", G_CALLBACK(on_terminated), this);
 }
@@ -136,10 +158,15 @@ script_calls::script_calls(WebKitWebView* view) : view(view), self(std::make_sha
 script_calls::~script_calls() {
     *self = nullptr;
     g_signal_handlers_disconnect_by_data(view, this);
+    for (auto const source : {turn_end, ticking}) {
+        if (source) {
+            g_source_remove(source);
+        }
+    }
     // Later, since those who wait may do anything.
     ui_thread::instance().post([calls = std::move(pending)] {
         for (auto const& call : calls) {
-            call->fail(error(RPC_E_DISCONNECTED, L"The web view was closed during the call."));
+            call.ending->fail(error(RPC_E_DISCONNECTED, L"The web view was closed during the call."));
         }
     });
 }
@@ -147,64 +174,153 @@ script_calls::~script_calls() {
 std::shared_ptr<script_calls::operation> script_calls::call(std::string const& name,
                                                             std::vector<std::string> const& arguments) {
     auto result = std::make_shared<operation>();
-    if (!has_page) {
+    if (!answers) {
         result->fail(error(E_ILLEGAL_METHOD_CALL, L"No page is loaded in the web view."));
         return result;
     }
-    // As JSON, for the engine's own parameters end at a NUL.
-    auto call = nlohmann::json::array({name});
+    pending.push_back({++last_number, result});
+    auto call = nlohmann::json::array({last_number, name});
     for (auto const& argument : arguments) {
         call.push_back(argument);
     }
-    GVariantDict parameters;
-    g_variant_dict_init(&parameters, nullptr);
-    g_variant_dict_insert_value(&parameters, "call", g_variant_new_string(call.dump().c_str()));
-    pending.push_back(result);
-    webkit_web_view_call_async_javascript_function(view, "return window.invoke ? invoke(call) : ''", -1,
-                                                   g_variant_dict_end(&parameters), page_world, nullptr,
-                                                   nullptr, on_answer, new pending_call{self, result});
+    unsent += call.dump() + ',';
+    if (!turn_end) {
+        turn_end = g_idle_add_full(behind_engine, on_turn_end, this, nullptr);
+    }
     return result;
 }
 
-void script_calls::on_answer(GObject* view, GAsyncResult* result, gpointer data) {
-    std::unique_ptr<pending_call> const call(static_cast<pending_call*>(data));
+gboolean script_calls::on_turn_end(gpointer data) {
+    auto* const self = static_cast<script_calls*>(data);
+    self->turn_end = 0;
+    self->send();
+    return G_SOURCE_REMOVE;
+}
+
+// A page that is about to leave gets first what was called before.
+gboolean script_calls::on_decide_policy(WebKitWebView*, WebKitPolicyDecision*, WebKitPolicyDecisionType,
+                                        gpointer self) {
+    static_cast<script_calls*>(self)->send();
+    return FALSE;  // others decide
+}
+
+void script_calls::send() {
+    if (unsent.empty()) {
+        return;
+    }
+    auto const script = "window.run?.([" + std::exchange(unsent, {}) + "])";
+    webkit_web_view_evaluate_javascript(view, script.data(), static_cast<gssize>(script.size()), page_world,
+                                        nullptr, nullptr, on_ran, new batch{self, last_number});
+    running.push_back(last_number);
+    if (!ticking) {
+        ticking = g_timeout_add(tick_ms, on_tick, this);
+    }
+}
+
+// A page tells that it has run a batch, and what it had sent before has then arrived. Nobody tells that it is
+// held up by one of the calls: then the answers of those before are taken here, when they have waited for a
+// while, so that what was sent before them is here, too.
+gboolean script_calls::on_tick(gpointer data) {
+    auto* const self = static_cast<script_calls*>(data);
+    auto const owner = self->self;
+    self->take_answers(self->overdue);
+    if (!*owner) {
+        return G_SOURCE_REMOVE;
+    }
+    if (self->pending.empty()) {
+        self->ticking = 0;
+        return G_SOURCE_REMOVE;
+    }
+    auto const latest = self->answers ? self->answers->latest() : 0;
+    bool const has_run = std::ranges::find(self->running, latest) != self->running.end();
+    self->overdue = has_run ? 0 : latest;
+    return G_SOURCE_CONTINUE;
+}
+
+void script_calls::on_ran(GObject* view, GAsyncResult* result, gpointer data) {
+    std::unique_ptr<batch> const ran(static_cast<batch*>(data));
     glib_error failure;
-    auto const value = gobject_ptr<JSCValue>::adopt(
-        webkit_web_view_call_async_javascript_function_finish(WEBKIT_WEB_VIEW(view), result, failure.put()));
-    if (auto* const owner = *call->owner) {
-        // Its place is the first one, unless it was cut off before.
-        if (!owner->pending.empty() && owner->pending.front() == call->ending) {
-            owner->pending.pop_front();
+    gobject_ptr<JSCValue>::adopt(
+        webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(view), result, failure.put()));
+    auto const owner = ran->owner;
+    if (*owner) {
+        std::erase((*owner)->running, ran->last);
+        (*owner)->take_answers(ran->last);
+    }
+    if (*owner) {
+        bool const in_page = failure.matches(WEBKIT_JAVASCRIPT_ERROR, WEBKIT_JAVASCRIPT_ERROR_SCRIPT_FAILED);
+        (*owner)->cut_off(
+            ran->last,
+            !failure ? error(E_ILLEGAL_METHOD_CALL, L"The page is not ready for scripts yet.")
+                     : error(in_page ? E_FAIL : RPC_E_DISCONNECTED, winrt::to_hstring(failure.message())));
+    }
+}
+
+void script_calls::take_answers(uint64_t last) {
+    auto const owner = self;  // those who wait may do anything
+    while (*owner && answers) {
+        auto const answer = answers->next(last);
+        if (!answer) {
+            return;
+        }
+        if (!pending.empty() && pending.front().number == answer->number) {
+            auto const ending = std::move(pending.front().ending);
+            pending.pop_front();
+            end(*ending, answer->text);
         }
     }
-    if (value) {
-        end(*call->ending, text_of(value.get()));
-    } else {
-        bool const in_page = failure.matches(WEBKIT_JAVASCRIPT_ERROR, WEBKIT_JAVASCRIPT_ERROR_SCRIPT_FAILED);
-        call->ending->fail(
-            error(in_page ? E_FAIL : RPC_E_DISCONNECTED, winrt::to_hstring(failure.message())));
+}
+
+void script_calls::cut_off(uint64_t last, std::exception_ptr const& reason) {
+    auto const owner = self;
+    while (*owner && !pending.empty() && pending.front().number <= last) {
+        auto const ending = std::move(pending.front().ending);
+        pending.pop_front();
+        ending->fail(reason);
     }
 }
 
 void script_calls::on_load_changed(WebKitWebView*, WebKitLoadEvent event, gpointer data) {
     if (event == WEBKIT_LOAD_COMMITTED) {
-        auto* const self = static_cast<script_calls*>(data);
-        self->has_page = true;
-        // What ran in the old page was answered before.
-        self->cut_off(E_ABORT, L"The page went away during the call.");
+        static_cast<script_calls*>(data)->change_page(true, E_ABORT, L"The page went away during the call.");
     }
 }
 
 void script_calls::on_terminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer data) {
-    auto* const self = static_cast<script_calls*>(data);
-    self->has_page = false;
-    self->cut_off(RPC_E_DISCONNECTED, L"The page's process ended during the call.");
+    static_cast<script_calls*>(data)->change_page(false, RPC_E_DISCONNECTED,
+                                                  L"The page's process ended during the call.");
 }
 
-void script_calls::cut_off(winrt::hresult code, wchar_t const* message) {
-    for (auto const& call : std::exchange(pending, {})) {
-        call->fail(error(code, message));
+void script_calls::change_page(bool has_page, winrt::hresult code, wchar_t const* message) {
+    auto const owner = self;
+    auto const last = last_number;
+    unsent.clear();
+    take_answers(last);
+    if (*owner) {
+        answers.reset();
+        if (has_page) {
+            open_answers();
+        }
+        cut_off(last, error(code, message));
     }
+}
+
+void script_calls::open_answers() {
+    try {
+        answers.emplace();
+    } catch (winrt::hresult_error const& failure) {
+        g_critical("%s", winrt::to_string(failure.message()).c_str());
+        return;
+    }
+    auto const files = gobject_ptr<GUnixFDList>::adopt(g_unix_fd_list_new());
+    glib_error failure;
+    if (g_unix_fd_list_append(files.get(), answers->file(), failure.put()) < 0) {
+        g_critical("%s", failure.message());
+        return answers.reset();
+    }
+    webkit_web_view_send_message_to_page(
+        view, webkit_user_message_new_with_fd_list("answers", nullptr, files.get()), nullptr, nullptr,
+        nullptr);
 }
 
 }  // namespace runtime

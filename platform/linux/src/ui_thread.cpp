@@ -91,7 +91,7 @@ void ui_thread::require_current() {
 }
 
 void ui_thread::start() {
-    source = make_queue_source(this, [](ui_thread* thread) { thread->run_next(); });
+    source = make_queue_source(this, [](ui_thread* thread) { thread->run_queue(); });
     g_source_attach(source, g_main_context_default());
     try {
         start_own_thread();
@@ -165,19 +165,28 @@ void ui_thread::post(std::function<void()> work) {
     }
 }
 
-void ui_thread::run_next() {
-    std::function<void()> work;
-    {
-        std::lock_guard guard(lock);
-        if (held == 0 && !queue.empty()) {
-            work = std::move(queue.front());
-            queue.pop_front();
-        }
-        g_source_set_ready_time(source, held == 0 && !queue.empty() ? next_turn() : -1);
-    }
-    if (work) {
+/// Runs work for a while: a turn of the loop takes longer than most of it.
+void ui_thread::run_queue() {
+    constexpr int64_t longest_turn_us = 1000;
+    auto const end = g_get_monotonic_time() + longest_turn_us;
+    while (auto const work = take_next()) {
         work();
+        if (g_get_monotonic_time() >= end) {
+            break;
+        }
     }
+    std::lock_guard guard(lock);
+    g_source_set_ready_time(source, held == 0 && !queue.empty() ? next_turn() : -1);
+}
+
+std::function<void()> ui_thread::take_next() {
+    std::lock_guard guard(lock);
+    if (held != 0 || queue.empty()) {
+        return nullptr;
+    }
+    auto work = std::move(queue.front());
+    queue.pop_front();
+    return work;
 }
 
 /// When the next piece of work may run: at once, but after a busy stretch the loop gets a moment for what has

@@ -32,7 +32,7 @@ class ui_thread {
     /// Throws RPC_E_WRONG_THREAD on any other thread.
     static void require_current();
 
-    /// Queues work; work runs in order, one piece per turn of the loop. Work must not throw. Any thread.
+    /// Queues work; work runs in order, and not inside other work. Work must not throw. Any thread.
     void post(std::function<void()> work);
 
     /// Starts something on the user-interface thread and waits for its ending, at most for `bound`; false
@@ -90,7 +90,8 @@ class ui_thread {
     void start_own_thread();
     void adopt_host_thread();
     void become_current();
-    void run_next();
+    void run_queue();
+    std::function<void()> take_next();
     int64_t next_turn();
     void run_nested_until(std::atomic<bool> const& finished, std::chrono::milliseconds bound);
     void park_at_exit();

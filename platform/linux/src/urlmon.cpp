@@ -67,6 +67,11 @@ std::string user_agent() {
     return setting.text;
 }
 
+std::string effective_user_agent() {
+    auto text = user_agent();
+    return text.empty() ? default_user_agent() : text;
+}
+
 void set_user_agent_listener(std::function<void(std::string const&)> listener) {
     auto& setting = user_agent_setting::instance();
     std::lock_guard guard(setting.lock);
@@ -94,10 +99,7 @@ HRESULT WINAPI UrlMkGetSessionOption(DWORD option, LPVOID buffer, DWORD length, 
         return E_INVALIDARG;
     }
     try {
-        std::string text = runtime::user_agent();
-        if (text.empty()) {
-            text = runtime::default_user_agent();
-        }
+        std::string const text = runtime::effective_user_agent();
         *lengthOut = static_cast<DWORD>(text.size() + 1);
         if (length < *lengthOut) {
             return E_OUTOFMEMORY;

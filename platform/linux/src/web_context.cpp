@@ -3,7 +3,9 @@
 #include <cstring>
 #include <string>
 
+#include "file_system.h"
 #include "glib_ptr.h"
+#include "local_content.h"
 #include "page_world.h"
 #include "ui_thread.h"
 
@@ -13,9 +15,9 @@ namespace {
 
 gobject_ptr<WebKitWebsiteDataManager> make_data_manager() {
     // Like an app's own folder: what the program's web views store belongs to that program.
-    char const* const name = g_get_prgname() ? g_get_prgname() : "webview";
-    glib_text const data(g_build_filename(g_get_user_data_dir(), name, "webview", nullptr));
-    glib_text const cache(g_build_filename(g_get_user_cache_dir(), name, "webview", nullptr));
+    auto const name = program_name();
+    glib_text const data(g_build_filename(g_get_user_data_dir(), name.c_str(), "webview", nullptr));
+    glib_text const cache(g_build_filename(g_get_user_cache_dir(), name.c_str(), "webview", nullptr));
     return gobject_ptr<WebKitWebsiteDataManager>::adopt(webkit_website_data_manager_new(
         "base-data-directory", data.get(), "base-cache-directory", cache.get(), nullptr));
 }
@@ -78,10 +80,12 @@ WebKitWebContext* web_context() {
         WebKitWebContext* const created = webkit_web_context_new_with_website_data_manager(manager.get());
         webkit_web_context_set_sandbox_enabled(created, sandboxed);
         offer_page_access(created);
+        offer_local_content(created);
         persist_cookies(manager.get());
         // A download has no place to go to; the navigation that turned into one has failed.
         g_signal_connect(created, "download-started",
                          G_CALLBACK(+[](WebKitWebContext*, WebKitDownload* download, gpointer) {
+                             fprintf(stderr, "DOWNLOAD %s\n", webkit_uri_request_get_uri(webkit_download_get_request(download)));
                              webkit_download_cancel(download);
                          }),
                          nullptr);

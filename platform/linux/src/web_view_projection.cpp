@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "http_request.h"
+#include "local_content.h"
 #include "native_window.h"
 #include "stream.h"
 #include "web_context.h"
@@ -118,13 +119,40 @@ bool WebView::CanGoForward() const {
     return webkit_web_view_can_go_forward(object_of<web_view_object>(*this).view());
 }
 
+Foundation::Uri WebView::Source() const {
+    auto const* const uri = webkit_web_view_get_uri(object_of<web_view_object>(*this).view());
+    return uri && *uri ? Foundation::Uri(to_hstring(uri)) : nullptr;
+}
+
 void WebView::Navigate(Foundation::Uri const& source) const {
     auto& object = object_of<web_view_object>(*this);
     if (source.SchemeName() == L"javascript") {
         throw hresult_error(E_INVALIDARG, L"A script is not an address to navigate to.");
     }
+    if (source.SchemeName() == runtime::local_scheme) {
+        throw hresult_error(E_INVALIDARG, L"Local content needs a resolver.");
+    }
     auto const uri = to_string(source.AbsoluteUri());
     object.navigate(uri, [&] { webkit_web_view_load_uri(object.view(), uri.c_str()); });
+}
+
+Foundation::Uri WebView::BuildLocalStreamUri(param::hstring const& contentIdentifier,
+                                             param::hstring const& relativePath) const {
+    object_of<web_view_object>(*this);
+    return runtime::local_uri(contentIdentifier.value, relativePath.value);
+}
+
+void WebView::NavigateToLocalStreamUri(Foundation::Uri const& source,
+                                       Web::IUriToStreamResolver const& streamResolver) const {
+    auto& object = object_of<web_view_object>(*this);
+    if (source.SchemeName() != runtime::local_scheme || !streamResolver) {
+        throw hresult_error(E_INVALIDARG, L"A local address and its resolver are needed.");
+    }
+    auto const uri = to_string(source.AbsoluteUri());
+    object.navigate(uri, [&] {
+        runtime::serve_local_content(object.view(), to_string(source.Host()), streamResolver);
+        webkit_web_view_load_uri(object.view(), uri.c_str());
+    });
 }
 
 void WebView::NavigateToString(param::hstring const& text) const {

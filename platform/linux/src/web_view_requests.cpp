@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "local_content.h"
 #include "web_view.h"
 #include "web_view_arguments.h"
 
@@ -12,9 +13,16 @@ using winrt::Windows::UI::Xaml::Controls::WebViewPermissionType;
 
 namespace {
 
+/// Whether any page could have asked for this window. The engine lets only local pages follow a link to local
+/// content, but does not look what address a script opens.
+bool may_be_foreign(WebKitNavigationAction* action, std::string_view uri) {
+    return is_local(uri) &&
+           webkit_navigation_action_get_navigation_type(action) != WEBKIT_NAVIGATION_TYPE_LINK_CLICKED;
+}
+
 GtkWidget* on_create(WebKitWebView*, WebKitNavigationAction* action, gpointer data) {
     std::string_view const uri = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
-    if (!uri.empty() && !uri.starts_with("javascript:")) {
+    if (!uri.empty() && !uri.starts_with("javascript:") && !may_be_foreign(action, uri)) {
         auto& owner = *static_cast<web_view_object*>(data);
         raise(owner.new_window_requested, owner, std::make_shared<new_window_arguments>(std::string(uri)));
     }

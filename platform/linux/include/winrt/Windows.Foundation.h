@@ -44,6 +44,36 @@ struct IAsyncOperation : IInspectable {
     }
 };
 
+/// An asynchronous operation with a result of type T, which can be given up.
+template <typename T, typename Progress>
+struct IAsyncOperationWithProgress : IInspectable {
+    static_assert(impl::is_runtime_type<T> && impl::is_runtime_type<Progress>,
+                  "the result and the progress of an operation must be of a runtime type");
+
+    WINRT_LINUX_HANDLE(IAsyncOperationWithProgress, IInspectable)
+
+    auto operator co_await() const {
+        return impl::async_awaiter<T>{std::static_pointer_cast<impl::async_object<T>>(implementation)};
+    }
+
+    /// Ends the operation early, if it has not ended: who awaits it gets ERROR_CANCELLED (0x800704C7) when
+    /// nothing is under way any more. Any thread.
+    void Cancel() const {
+        if (!implementation) {
+            throw hresult_error(E_POINTER);
+        }
+        static_cast<impl::async_object<T>&>(*implementation).cancel();
+    }
+};
+
+/// The names and values of a form, as the query of a URI has them.
+struct WwwFormUrlDecoder : IInspectable {
+    WINRT_LINUX_HANDLE(WwwFormUrlDecoder, IInspectable)
+
+    /// The decoded value of the first one with the name; E_INVALIDARG when there is none.
+    hstring GetFirstValueByName(param::hstring const& name) const;
+};
+
 /// An absolute URI. Throws E_INVALIDARG for a text that is none.
 struct Uri : IInspectable {
     explicit Uri(param::hstring const& uri);
@@ -55,6 +85,13 @@ struct Uri : IInspectable {
     hstring Host() const;
     hstring Path() const;
     hstring Query() const;
+    WwwFormUrlDecoder QueryParsed() const;
+
+    /// Replaces what is percent-encoded by what it stands for. What is no valid encoding stays as it is.
+    static hstring UnescapeComponent(param::hstring const& toUnescape);
+
+    /// Percent-encodes everything but letters, digits and "-._~" of ASCII.
+    static hstring EscapeComponent(param::hstring const& toEscape);
 };
 
 }  // namespace winrt::Windows::Foundation

@@ -19,13 +19,21 @@ struct IInputStream : Foundation::IInspectable {
     WINRT_LINUX_HANDLE(IInputStream, IInspectable)
 };
 
-struct IRandomAccessStream : Foundation::IInspectable {
-    WINRT_LINUX_HANDLE(IRandomAccessStream, IInspectable)
+/// Bytes that are read, and where they are in memory written, at any place. Any thread.
+struct IRandomAccessStream : IInputStream {
+    WINRT_LINUX_HANDLE(IRandomAccessStream, IInputStream)
 
     uint64_t Size() const;
 
+    /// Sets the place that reading and writing start from.
+    void Seek(uint64_t position) const;
+
     /// A stream of its own over the same content.
     IInputStream GetInputStreamAt(uint64_t position) const;
+
+    /// Writes the buffer's bytes and moves behind them; yields their number. E_ACCESSDENIED for a stream that
+    /// was opened for reading.
+    Foundation::IAsyncOperationWithProgress<uint32_t, uint32_t> WriteAsync(IBuffer const& buffer) const;
 };
 
 /// A stream in memory. A picture that is captured into it is held as it is: it takes no encoding to store it

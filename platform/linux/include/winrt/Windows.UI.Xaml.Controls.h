@@ -104,8 +104,30 @@ struct WebView : FrameworkElement {
 
     bool CanGoBack() const;
     bool CanGoForward() const;
+    /// The address of the page that is shown; null before the first one.
+    Foundation::Uri Source() const;
 
+    /// E_INVALIDARG for scripts, and for local addresses: those need a resolver.
     void Navigate(Foundation::Uri const& source) const;
+
+    /// The address of local content: `ms-local-stream://<program>_<identifier in hexadecimal>/<path>`.
+    /// Content under different identifiers is of different origins, which do not reach each other.
+    Foundation::Uri BuildLocalStreamUri(param::hstring const& contentIdentifier,
+                                        param::hstring const& relativePath) const;
+
+    /// Navigates to a local address; the resolver gives the page, all that the page asks for at its own
+    /// origin, and the same again for the history and reloads. A resolver's failure is a load error: 404 when
+    /// something was not found, 403 when it may not be had, 500 otherwise.
+    ///
+    /// The engine's media elements play nothing from local addresses; a page can fetch what it wants to play
+    /// and give them a blob.
+    ///
+    /// Only this call, the history, reloads and the content's own pages lead to local content. Pages of other
+    /// origins neither read nor show nor reach it; nor does a view that was not navigated in this way. Of the
+    /// new windows that pages ask for, those with local addresses are told of only when a link leads there.
+    void NavigateToLocalStreamUri(Foundation::Uri const& source,
+                                  Web::IUriToStreamResolver const& streamResolver) const;
+
     void NavigateToString(param::hstring const& text) const;
     void NavigateWithHttpRequestMessage(Web::Http::HttpRequestMessage const& requestMessage) const;
     void GoBack() const;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <winrt/Windows.Foundation.h>
+#include <winrt/Windows.Storage.Streams.h>
 
 namespace winrt::Windows::Web {
 
@@ -30,4 +30,29 @@ enum class WebErrorStatus : int32_t {
     UnexpectedServerError = 21,
 };
 
+/// Gives the content behind local addresses. Applications implement it, with `implements` and `make`.
+struct IUriToStreamResolver : Foundation::IInspectable {
+    WINRT_LINUX_HANDLE(IUriToStreamResolver, IInspectable)
+
+    /// The content for one request. Called on pool threads, for several requests at once; an operation that
+    /// fails makes the request fail.
+    Foundation::IAsyncOperation<Storage::Streams::IInputStream> UriToStreamAsync(
+        Foundation::Uri const& uri) const;
+};
+
 }  // namespace winrt::Windows::Web
+
+template <>
+struct winrt::impl::abi<winrt::Windows::Web::IUriToStreamResolver> : object {
+    virtual Windows::Foundation::IAsyncOperation<Windows::Storage::Streams::IInputStream> uri_to_stream(
+        Windows::Foundation::Uri const& uri) = 0;
+};
+
+template <typename Derived>
+struct winrt::impl::produce<Derived, winrt::Windows::Web::IUriToStreamResolver>
+    : abi<Windows::Web::IUriToStreamResolver> {
+    Windows::Foundation::IAsyncOperation<Windows::Storage::Streams::IInputStream> uri_to_stream(
+        Windows::Foundation::Uri const& uri) final {
+        return static_cast<Derived&>(*this).UriToStreamAsync(uri);
+    }
+};

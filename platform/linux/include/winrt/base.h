@@ -5,5 +5,6 @@
 #include <winrt/impl/coroutine.h>
 #include <winrt/impl/error.h>
 #include <winrt/impl/event.h>
+#include <winrt/impl/implements.h>
 #include <winrt/impl/object.h>
 #include <winrt/impl/string.h>

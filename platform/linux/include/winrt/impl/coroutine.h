@@ -42,6 +42,9 @@ class async_object : public object {
         finish([&] { failure = std::move(exception); });
     }
 
+    /// Asks for an early end. What cannot be given up ends as it would have anyway. Any thread.
+    virtual void cancel() {}
+
     /// Registers the coroutine that waits; false when the operation has ended already. The one result goes to
     /// one coroutine: E_ILLEGAL_DELEGATE_ASSIGNMENT for a second one.
     bool suspend(std::coroutine_handle<> handle) {

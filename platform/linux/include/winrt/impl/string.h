@@ -36,6 +36,12 @@ class hstring {
     friend bool operator==(hstring const& left, wchar_t const* right) noexcept {
         return left.characters == right;
     }
+    friend hstring operator+(wchar_t const* left, hstring const& right) {
+        return hstring(left + right.characters);
+    }
+    friend hstring operator+(hstring const& left, wchar_t const* right) {
+        return hstring(left.characters + right);
+    }
     friend auto operator<=>(hstring const& left, hstring const& right) noexcept {
         return left.characters <=> right.characters;
     }

@@ -1,14 +1,25 @@
-// Reads and patches the headers of a 64-bit Windows image (PE32+).
+// Reads the headers of a 64-bit Windows image (PE32+), and patches those that the tests damage.
 
-const directories = { exports: 0, imports: 1, delayImports: 13 };
+const directories = { exports: 0, imports: 1, relocations: 5, debug: 6, delayImports: 13 };
+const codeViewEntry = 2;
+const relocation64 = 10;
 
 export const machines = { x64: 0x8664, arm64: 0xaa64 };
-export const appContainer = 0x1000; // A bit of DllCharacteristics: the image may run in an app container only.
+
+// Bits of DllCharacteristics.
+export const highEntropyAddress = 0x20; // may be loaded above 4 GB
+export const dynamicBase = 0x40; // may be loaded anywhere
+export const noExecuteCompatible = 0x100; // needs no executable data
+export const appContainer = 0x1000; // may run in an app container
+
+// Bits of a section's characteristics.
+export const shared = 0x10000000;
+export const executable = 0x20000000;
+export const writable = 0x80000000;
 
 export class PortableExecutable {
     #bytes;
     #optionalHeader;
-    #sections;
 
     /** `bytes` is a Buffer with the whole file; the setters below change it in place. */
     constructor(bytes) {
@@ -22,12 +33,15 @@ export class PortableExecutable {
             throw new Error("not a 64-bit image");
 
         const sectionTable = this.#optionalHeader + bytes.readUInt16LE(header + 20);
-        this.#sections = Array.from({ length: bytes.readUInt16LE(header + 6) }, (_, index) => {
+        this.sections = Array.from({ length: bytes.readUInt16LE(header + 6) }, (_, index) => {
             const section = sectionTable + 40 * index;
             return {
+                name: bytes.toString("latin1", section, section + 8).replace(/\0+$/, ""),
                 address: bytes.readUInt32LE(section + 12),
                 size: bytes.readUInt32LE(section + 16),
                 fileOffset: bytes.readUInt32LE(section + 20),
+                characteristics: bytes.readUInt32LE(section + 36),
+                characteristicsOffset: section + 36,
             };
         });
     }
@@ -64,7 +78,7 @@ export class PortableExecutable {
 
     /** The exported names, sorted. An export without a name is an error: nobody could ask for it. */
     exportedNames() {
-        const table = this.#directory(directories.exports);
+        const table = this.#directory(directories.exports)?.offset;
         if (table === undefined)
             return [];
         const functionCount = this.#bytes.readUInt32LE(table + 20);
@@ -85,9 +99,46 @@ export class PortableExecutable {
         ];
     }
 
+    /** Where the pointers are that the loader corrects when the image is not at its preferred address. */
+    relocatedPointers() {
+        const { offset = 0, size = 0 } = this.#directory(directories.relocations) ?? {};
+        const pointers = [];
+        for (let block = offset; block < offset + size; block += this.#bytes.readUInt32LE(block + 4)) {
+            const page = this.#bytes.readUInt32LE(block);
+            const end = block + this.#bytes.readUInt32LE(block + 4);
+            for (let entry = block + 8; entry < end; entry += 2) {
+                const value = this.#bytes.readUInt16LE(entry);
+                if (value >>> 12 === relocation64)
+                    pointers.push(page + (value & 0xfff));
+            }
+        }
+        return pointers;
+    }
+
+    /** The file with the debug information, as the image names it, and the bytes that both share; or undefined. */
+    debugFile() {
+        const { offset = 0, size = 0 } = this.#directory(directories.debug) ?? {};
+        for (let entry = offset; entry < offset + size; entry += 28) {
+            if (this.#bytes.readUInt32LE(entry + 12) !== codeViewEntry)
+                continue;
+            const data = this.#bytes.readUInt32LE(entry + 24);
+            const name = this.#bytes.toString("latin1", data + 24, this.#bytes.indexOf(0, data + 24));
+            return { name, identifier: this.#bytes.subarray(data + 4, data + 20) };
+        }
+        return undefined;
+    }
+
+    /** The number of the file's version resource, as "1.2.3.4", or undefined. */
+    version() {
+        const start = this.#bytes.indexOf(Buffer.from("bd04effe", "hex"));
+        if (start === -1)
+            return undefined;
+        return [10, 8, 14, 12].map((offset) => this.#bytes.readUInt16LE(start + offset)).join(".");
+    }
+
     /** Descriptors of `size` bytes up to one without a name; the name's address is at `nameField`. */
     *#libraryNames(directory, size, nameField) {
-        let descriptor = this.#directory(directory);
+        let descriptor = this.#directory(directory)?.offset;
         if (descriptor === undefined)
             return;
         for (let name; (name = this.#bytes.readUInt32LE(descriptor + nameField)) !== 0; descriptor += size)
@@ -97,12 +148,15 @@ export class PortableExecutable {
     #directory(index) {
         if (index >= this.#bytes.readUInt32LE(this.#optionalHeader + 108))
             return undefined;
-        const address = this.#bytes.readUInt32LE(this.#optionalHeader + 112 + 8 * index);
-        return address === 0 ? undefined : this.#fileOffset(address);
+        const entry = this.#optionalHeader + 112 + 8 * index;
+        const address = this.#bytes.readUInt32LE(entry);
+        return address === 0
+            ? undefined
+            : { offset: this.#fileOffset(address), size: this.#bytes.readUInt32LE(entry + 4) };
     }
 
     #fileOffset(address) {
-        const section = this.#sections.find((each) => address >= each.address && address < each.address + each.size);
+        const section = this.sections.find((each) => address >= each.address && address < each.address + each.size);
         if (section === undefined)
             throw new Error(`address 0x${address.toString(16)} lies in no section`);
         return address - section.address + section.fileOffset;

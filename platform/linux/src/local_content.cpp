@@ -1,0 +1,131 @@
+#include "local_content.h"
+
+#include <libsoup/soup.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+
+#include "content_request.h"
+#include "file_system.h"
+#include "glib_ptr.h"
+#include "implementation.h"
+#include "ui_thread.h"
+
+namespace runtime {
+
+namespace {
+
+using winrt::Windows::Foundation::Uri;
+using winrt::Windows::Web::IUriToStreamResolver;
+
+using resolvers = std::map<std::string, IUriToStreamResolver>;
+
+constexpr char const* scheme = "ms-local-stream";
+constexpr std::string_view uri_start = "ms-local-stream://";
+constexpr char const* resolvers_key = "runtime-resolvers";
+
+/// The host of a local address; empty for any other.
+std::string host_of(char const* uri) {
+    std::string_view text = uri ? uri : "";
+    if (!is_local(text)) {
+        return {};
+    }
+    text.remove_prefix(uri_start.size());
+    std::string host(text.substr(0, text.find_first_of("/?#")));
+    for (char& character : host) {
+        character = g_ascii_tolower(character);
+    }
+    return host;
+}
+
+/// Who answers a request of a view. The page that the view shows or is about to show must be of the very same
+/// origin: the engine itself shields local content only from pages of other schemes.
+IUriToStreamResolver resolver_for(WebKitWebView* view, std::string const& host) {
+    if (!view || host.empty() || host_of(webkit_web_view_get_uri(view)) != host) {
+        return nullptr;
+    }
+    auto const* const known = static_cast<resolvers const*>(g_object_get_data(G_OBJECT(view), resolvers_key));
+    if (!known) {
+        return nullptr;
+    }
+    auto const found = known->find(host);
+    return found == known->end() ? nullptr : found->second;
+}
+
+/// Whether the request says that it comes from a page of another scheme. From a frame in a local page the
+/// engine lets synchronous ones through to us, and would let the frame read the answer.
+bool is_foreign(WebKitURISchemeRequest* request) {
+    auto* const headers = webkit_uri_scheme_request_get_http_headers(request);
+    return std::ranges::any_of(std::array{"Origin", "Referer"}, [&](char const* name) {
+        char const* const source = headers ? soup_message_headers_get_one(headers, name) : nullptr;
+        return source && !is_local(source);
+    });
+}
+
+void on_request(WebKitURISchemeRequest* request, gpointer) {
+    auto const resolver = is_foreign(request)
+                              ? nullptr
+                              : resolver_for(webkit_uri_scheme_request_get_web_view(request),
+                                             host_of(webkit_uri_scheme_request_get_uri(request)));
+    if (auto* h = webkit_uri_scheme_request_get_http_headers(request)) { SoupMessageHeadersIter it; soup_message_headers_iter_init(&it, h); const char *n, *v; fprintf(stderr, "REQ %s:", webkit_uri_scheme_request_get_uri(request)); while (soup_message_headers_iter_next(&it, &n, &v)) if (g_strcmp0(n, "User-Agent")) fprintf(stderr, " %s=%s", n, v); fprintf(stderr, "\n"); }
+    auto const own = make_ui_object<content_request>(request);
+    if (resolver) {
+        answer(own, resolver);
+    } else {
+        own->refuse(static_cast<int>(SOUP_STATUS_FORBIDDEN), "Local content is not for this page.");
+    }
+}
+
+/// The program's name as a part of a host.
+std::string program_host() {
+    std::string name = program_name();
+    for (char& character : name) {
+        character = g_ascii_isalnum(character) || character == '.' ? g_ascii_tolower(character) : '-';
+    }
+    return name;
+}
+
+}  // namespace
+
+bool is_local(std::string_view uri) {
+    return uri.starts_with(uri_start);
+}
+
+void offer_local_content(WebKitWebContext* context) {
+    webkit_web_context_register_uri_scheme(context, scheme, on_request, nullptr, nullptr);
+    auto* const security = webkit_web_context_get_security_manager(context);
+    webkit_security_manager_register_uri_scheme_as_display_isolated(security, scheme);
+    webkit_security_manager_register_uri_scheme_as_secure(security, scheme);
+}
+
+Uri local_uri(winrt::hstring const& identifier, winrt::hstring const& path) {
+    std::string text = std::string(scheme) + "://" + program_host() + '_';
+    for (char const character : winrt::to_string(identifier)) {
+        auto const byte = static_cast<unsigned char>(character);
+        text += {"0123456789abcdef"[byte >> 4], "0123456789abcdef"[byte & 0xF]};
+    }
+    std::string const relative = winrt::to_string(path);
+    return Uri(winrt::to_hstring(text + (relative.starts_with('/') ? "" : "/") + relative));
+}
+
+void serve_local_content(WebKitWebView* view, std::string const& host, IUriToStreamResolver const& resolver) {
+    auto* known = static_cast<resolvers*>(g_object_get_data(G_OBJECT(view), resolvers_key));
+    if (!known) {
+        known = new resolvers();
+        g_object_set_data_full(G_OBJECT(view), resolvers_key, known,
+                               [](gpointer data) { delete static_cast<resolvers*>(data); });
+    }
+    known->insert_or_assign(host, resolver);
+}
+
+}  // namespace runtime
+
+namespace winrt::Windows::Web {
+
+Foundation::IAsyncOperation<Storage::Streams::IInputStream> IUriToStreamResolver::UriToStreamAsync(
+    Foundation::Uri const& uri) const {
+    return runtime::implementation_of<impl::abi<IUriToStreamResolver>>(*this)->uri_to_stream(uri);
+}
+
+}  // namespace winrt::Windows::Web

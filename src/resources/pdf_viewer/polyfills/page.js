@@ -1,0 +1,4 @@
+import "./language.js";
+import "./ReadableStream.js";
+import "./canvas.js";
+import "./ResizeObserver.js";

@@ -1,0 +1,3 @@
+import "./language.js";
+import "./ReadableStream.js";
+import "./TextDecoder.js";

@@ -1,0 +1,195 @@
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <winrt/Windows.Security.Cryptography.Core.h>
+#include <winrt/Windows.Security.Cryptography.h>
+#include <winrt/Windows.Storage.h>
+
+#include <algorithm>
+#include <fstream>
+
+#include "await.h"
+#include "codeOf.h"
+#include "support/TemporaryFolder.h"
+#include "ui_thread.h"
+
+using namespace winrt::Windows::Storage;
+using namespace winrt::Windows::Storage::Streams;
+using namespace winrt::Windows::Security::Cryptography;
+
+namespace {
+
+StorageFile fileAt(std::string const& path) {
+    return await(StorageFile::GetFileFromPathAsync(winrt::to_hstring(path)));
+}
+
+std::string readAll(IInputStream const& stream, uint32_t limit = 1000) {
+    DataReader const reader(stream);
+    std::vector<uint8_t> bytes(await(reader.LoadAsync(limit)));
+    reader.ReadBytes(bytes);
+    return {bytes.begin(), bytes.end()};
+}
+
+std::string contentOf(std::string const& path) {
+    return readAll(await(fileAt(path).OpenAsync(FileAccessMode::Read)));
+}
+
+IBuffer bufferOf(std::wstring const& text) {
+    return CryptographicBuffer::ConvertStringToBinary(text, BinaryStringEncoding::Utf8);
+}
+
+std::string backslashed(std::string path) {
+    std::ranges::replace(path, '/', '\\');
+    return path;
+}
+
+}  // namespace
+
+class StorageTest : public testing::Test {
+  protected:
+    TemporaryFolder folder;
+};
+
+TEST_F(StorageTest, OpensRegularFilesUnderAnyFormOfTheirPath) {
+    auto const path = folder.write("ä b%41.html", "content");
+    for (auto const& form : {path, path.substr(1), backslashed(path), backslashed(path).substr(1),
+                             "//" + path.substr(1), "\\/" + backslashed(path)}) {
+        EXPECT_EQ(contentOf(form), "content") << form;
+        EXPECT_EQ(winrt::to_string(fileAt(form).Path()), path) << form;
+    }
+    symlink(path.c_str(), (folder / "link").c_str());
+    EXPECT_EQ(contentOf(folder / "link"), "content");
+    folder.write("empty", "");
+    EXPECT_EQ(contentOf(folder / "empty"), "");
+}
+
+TEST_F(StorageTest, RefusesEverythingElseAtOnce) {
+    auto const file = folder.write("file", "x");
+    mkfifo((folder / "fifo").c_str(), 0600);
+    symlink((folder / "nowhere").c_str(), (folder / "dangling").c_str());
+    symlink((folder / "loop").c_str(), (folder / "loop").c_str());
+    symlink("fifo", (folder / "link-to-fifo").c_str());
+    int const socketFile = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    (folder / "socket").copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(socketFile, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    close(socketFile);
+
+    std::pair<std::string, int32_t> const cases[] = {
+        {folder / "missing", HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)},
+        {folder / "dangling", HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)},
+        {file + "/below", HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND)},
+        {folder / "loop", HRESULT_FROM_WIN32(ERROR_CANT_RESOLVE_FILENAME)},
+        {folder / std::string(300, 'a'), HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE)},
+        {folder / std::string(1 << 20, 'a'), HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE)},
+        {folder / "", E_ACCESSDENIED},
+        {folder / "fifo", E_ACCESSDENIED},
+        {folder / "link-to-fifo", E_ACCESSDENIED},
+        {folder / "socket", E_ACCESSDENIED},
+        {"/dev/null", E_ACCESSDENIED},
+        {folder / "../" + folder.path.filename().string() + "/file", E_INVALIDARG},
+        {backslashed(folder / "..\\x"), E_INVALIDARG},
+        {folder / "./file", E_INVALIDARG},
+        {file + std::string(1, '\0') + ".html", E_INVALIDARG},
+        {"", E_INVALIDARG},
+        {"\\/", E_INVALIDARG},
+    };
+    for (auto const& [path, code] : cases) {
+        EXPECT_EQ(codeOf([&] { fileAt(path); }), code) << path.substr(0, 200);
+    }
+
+    // What it has become counts, not what it was.
+    auto const opened = fileAt(file);
+    unlink(file.c_str());
+    EXPECT_EQ(codeOf([&] { await(opened.OpenAsync(FileAccessMode::Read)); }),
+              HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
+    mkfifo(file.c_str(), 0600);
+    EXPECT_EQ(codeOf([&] { await(opened.OpenAsync(FileAccessMode::Read)); }), E_ACCESSDENIED);
+}
+
+TEST_F(StorageTest, StreamsHavePlacesOfTheirOwn) {
+    auto const file = await(fileAt(folder.write("file", "0123456789")).OpenAsync(FileAccessMode::Read));
+    InMemoryRandomAccessStream const memory;
+    EXPECT_EQ(await(memory.WriteAsync(bufferOf(L"01234"))), 5u);
+    EXPECT_EQ(await(memory.WriteAsync(bufferOf(L"56789"))), 5u);
+    EXPECT_EQ(readAll(memory), "");
+    for (IRandomAccessStream const& stream : {file, IRandomAccessStream(memory)}) {
+        EXPECT_EQ(stream.Size(), 10u);
+        stream.Seek(3);
+        EXPECT_EQ(readAll(stream.GetInputStreamAt(5), 2), "56");
+        EXPECT_EQ(readAll(stream, 4), "3456");
+        EXPECT_EQ(readAll(stream), "789");
+        stream.Seek(11);
+        EXPECT_EQ(readAll(stream), "");
+        EXPECT_EQ(readAll(stream.GetInputStreamAt(0)), "0123456789");
+    }
+    memory.Seek(2);
+    await(memory.WriteAsync(bufferOf(L"x")));
+    memory.Seek(12);
+    await(memory.WriteAsync(bufferOf(L"y")));
+    EXPECT_EQ(readAll(memory.GetInputStreamAt(0)), std::string("01x3456789\0\0y", 13));
+    EXPECT_EQ(codeOf([&] { await(file.WriteAsync(bufferOf(L"x"))); }), E_ACCESSDENIED);
+}
+
+TEST_F(StorageTest, TemporaryFilesArePrivateAndReplacedInOneStep) {
+    auto const temporary = ApplicationData::Current().TemporaryFolder();
+    auto const path = winrt::to_string(temporary.Path());
+    struct stat status{};
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0700u);
+    chmod(path.c_str(), 0777);
+    ApplicationData::Current().TemporaryFolder();
+    stat(path.c_str(), &status);
+    EXPECT_EQ(status.st_mode & 0777, 0700u);
+
+    auto const create = [&](std::wstring const& name) {
+        return await(temporary.CreateFileAsync(name, CreationCollisionOption::GenerateUniqueName));
+    };
+    auto const first = create(L"storage test.pdf");
+    std::ofstream(winrt::to_string(first.Path())) << "first";
+    auto const reader = await(first.OpenAsync(FileAccessMode::Read));
+    auto const second = create(L"storage test.pdf");
+    EXPECT_EQ(winrt::to_string(second.Path()), path + "/storage test (2).pdf");
+    EXPECT_EQ(contentOf(winrt::to_string(second.Path())), "");
+    stat(winrt::to_string(second.Path()).c_str(), &status);
+    EXPECT_EQ(status.st_mode & 0777, 0600u);
+
+    // A link that somebody has put there is not followed.
+    auto const victim = folder.write("victim", "untouched");
+    symlink(victim.c_str(), (path + "/storage test.part").c_str());
+    std::ofstream(winrt::to_string(create(L"storage test.part").Path())) << "new";
+    EXPECT_EQ(contentOf(victim), "untouched");
+    unlink((path + "/storage test.part").c_str());
+
+    auto const part = create(L"storage test.part");
+    std::ofstream(winrt::to_string(part.Path())) << "whole";
+    await(part.RenameAsync(L"storage test.pdf", NameCollisionOption::ReplaceExisting));
+    EXPECT_EQ(part.Path(), first.Path());
+    EXPECT_EQ(contentOf(winrt::to_string(first.Path())), "whole");
+    EXPECT_EQ(readAll(reader), "first");
+    auto const other = create(L"storage test.part");
+    await(other.DeleteAsync());
+    EXPECT_EQ(codeOf([&] { await(other.DeleteAsync()); }), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(codeOf([&] { await(other.RenameAsync(L"x", NameCollisionOption::ReplaceExisting)); }),
+              HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
+
+    for (std::wstring const& name :
+         {std::wstring(), std::wstring(L"."), std::wstring(L".."), std::wstring(L"../x"),
+          std::wstring(L"a\\b"), std::wstring(L"a\0b", 3)}) {
+        EXPECT_EQ(codeOf([&] { create(name); }), E_INVALIDARG);
+    }
+    EXPECT_EQ(codeOf([&] { create(std::wstring(256, L'a')); }),
+              HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE));
+}
+
+TEST_F(StorageTest, DigestsTexts) {
+    auto const provider = Core::HashAlgorithmProvider::OpenAlgorithm(Core::HashAlgorithmNames::Md5());
+    auto const digest = [&](std::wstring const& text) {
+        return winrt::to_string(CryptographicBuffer::EncodeToHexString(provider.HashData(bufferOf(text))));
+    };
+    EXPECT_EQ(digest(L""), "d41d8cd98f00b204e9800998ecf8427e");
+    EXPECT_EQ(digest(L"https://a.example/ä.pdf"), "2cd7cf2378fec4a7274828e96b8a2971");
+    EXPECT_EQ(codeOf([] { Core::HashAlgorithmProvider::OpenAlgorithm(L"SHA0"); }), E_INVALIDARG);
+}
