@@ -248,7 +248,8 @@ TEST_F(LocalStreamSecurityTest, FramesOfOtherOriginsReachNothing) {
     }
     for (auto const& target : {secret, server.url("/redirect")}) {
         for (auto const& way : waysToGo(target)) {
-            if (way.find("download") == way.npos) continue;
+            if (way.find("download") == way.npos)
+                continue;
             fprintf(stderr, "WAY %s\n", way.c_str());
             inFrame(way);
             std::this_thread::sleep_for(60ms);

@@ -35,7 +35,8 @@ std::string readFile(const std::filesystem::path& file) {
 }
 
 std::string fileUrl(const std::string& path) {
-    constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/!$&'()*+,;=:@";
+    constexpr std::string_view plain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/!$&'()*+,;=:@";
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string url = "file://";
     for (const char character : path) {

@@ -141,8 +141,18 @@ gboolean navigation_tracker::on_decide_policy(WebKitWebView*, WebKitPolicyDecisi
                                               WebKitPolicyDecisionType type, gpointer data) {
     auto* const self = static_cast<navigation_tracker*>(data);
     bool allowed = true;
-    if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) fprintf(stderr, "RESPONSE %s\n", webkit_uri_request_get_uri(webkit_response_policy_decision_get_request(WEBKIT_RESPONSE_POLICY_DECISION(decision))));
-    else { auto* a = webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision)); fprintf(stderr, "NAV %s type %d redirect %d frame %s\n",  webkit_uri_request_get_uri(webkit_navigation_action_get_request(a)), webkit_navigation_action_get_navigation_type(a), webkit_navigation_action_is_redirect(a), webkit_navigation_action_get_frame_name(a)); }
+    if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE)
+        fprintf(stderr, "RESPONSE %s\n",
+                webkit_uri_request_get_uri(
+                    webkit_response_policy_decision_get_request(WEBKIT_RESPONSE_POLICY_DECISION(decision))));
+    else {
+        auto* a = webkit_navigation_policy_decision_get_navigation_action(
+            WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+        fprintf(stderr, "NAV %s type %d redirect %d frame %s\n",
+                webkit_uri_request_get_uri(webkit_navigation_action_get_request(a)),
+                webkit_navigation_action_get_navigation_type(a), webkit_navigation_action_is_redirect(a),
+                webkit_navigation_action_get_frame_name(a));
+    }
     if (type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) {
         allowed = self->decide_navigation(webkit_navigation_policy_decision_get_navigation_action(
             WEBKIT_NAVIGATION_POLICY_DECISION(decision)));
