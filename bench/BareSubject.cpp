@@ -63,6 +63,8 @@ class BareSubject final : public Subject {
     }
     void run(std::chrono::duration<double> time) override;
 
+    void load(const std::string& url) override { webkit_web_view_load_uri(view, url.c_str()); }
+
     Reading read() override { return Reading::now(pictures); }
     Pixel pixel(Point point) override;
 

@@ -104,6 +104,8 @@ class LibrarySubject final : public Subject {
 
     void run(std::chrono::duration<double> time) override { std::this_thread::sleep_for(time); }
 
+    void load(const std::string& url) override { view.loadUrl(url); }
+
     Reading read() override {
         return Reading::now(view.uploads(), engine.renderThread().run(currentThreadTime));
     }
@@ -123,7 +125,10 @@ class LibrarySubject final : public Subject {
 
     void waitForMessages(std::uint64_t count) override { inbox->messages.waitFor(count); }
 
-    void watch(Point point) override { watched = std::make_unique<WatchedPixel>(engine, view, point); }
+    void watch(Point point) override {
+        watched.reset();
+        watched = std::make_unique<WatchedPixel>(engine, view, point);
+    }
 
     void pressPointer(Point point) override {
         exports.WebView_pointerDown(view.handle(), point.x, point.y, 0, 1);

@@ -36,6 +36,8 @@ class Subject {
     /// Loads the page and lets it run for a while: starting processes and loading are not measured.
     virtual void show(const std::string& html) = 0;
     virtual void run(std::chrono::duration<double> time) = 0;
+    /// Starts to load another page.
+    virtual void load(const std::string& url) = 0;
 
     /// Counts the frames that arrived.
     virtual Reading read() = 0;
