@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <future>
 #include <limits>
 
+#include "await.h"
 #include "codeOf.h"
 #include "glib_ptr.h"
 #include "stream.h"
@@ -15,27 +15,6 @@ using namespace winrt::Windows::Graphics::Imaging;
 using winrt::Windows::Storage::Streams::InMemoryRandomAccessStream;
 
 namespace {
-
-/// Waits for an operation on this thread, which is not the user-interface thread.
-template <typename Operation>
-auto await(Operation operation) {
-    using Result = decltype(operation.operator co_await().await_resume());
-    std::promise<Result> promise;
-    auto result = promise.get_future();
-    [](Operation operation, std::promise<Result> promise) -> winrt::fire_and_forget {
-        try {
-            if constexpr (std::is_void_v<Result>) {
-                co_await operation;
-                promise.set_value();
-            } else {
-                promise.set_value(co_await operation);
-            }
-        } catch (...) {
-            promise.set_exception(std::current_exception());
-        }
-    }(std::move(operation), std::move(promise));
-    return result.get();
-}
 
 runtime::picture makePicture(int32_t width, int32_t height) {
     const auto size = static_cast<size_t>(width) * static_cast<size_t>(height) * 4;

@@ -29,7 +29,7 @@ struct TestResolver : winrt::implements<TestResolver, winrt::Windows::Web::IUriT
     std::shared_ptr<Site> site;
 };
 
-Site::Stream streamOf(std::string content) {
+Site::Stream contentStream(std::string content) {
     using namespace winrt::Windows::Security::Cryptography;
     InMemoryRandomAccessStream const stream;
     co_await stream.WriteAsync(
@@ -47,7 +47,7 @@ Site::Stream openGated(std::shared_ptr<std::latch> gate, std::shared_ptr<std::at
     co_await winrt::resume_background();
     gate->wait();
     ++*answered;
-    co_return co_await streamOf("<!doctype html>");
+    co_return co_await contentStream("<!doctype html>");
 }
 
 /// How many descriptors of this process the file is open under.
@@ -63,7 +63,7 @@ int openCount(std::string const& file) {
 }  // namespace
 
 void Site::page(std::string const& path, std::string const& content) {
-    on(path, [content] { return streamOf(content); });
+    on(path, [content] { return contentStream(content); });
 }
 
 void Site::file(std::string const& path, std::string const& file) {
@@ -253,7 +253,7 @@ TEST_F(LocalStreamTest, PagesLoadWhatBelongsToThem) {
     for (auto const* path : {"/1", "/2", "/3"}) {
         site->on(path, [gate] {
             gate->arrive_and_wait();
-            return streamOf("x");
+            return contentStream("x");
         });
     }
     EXPECT_EQ(run(view, "await Promise.all(['/1', '/2', '/3'].map((path) => fetch(path))); return 'all'"),

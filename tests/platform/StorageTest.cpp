@@ -144,6 +144,9 @@ TEST_F(StorageTest, TemporaryFilesArePrivateAndReplacedInOneStep) {
     stat(path.c_str(), &status);
     EXPECT_EQ(status.st_mode & 0777, 0700u);
 
+    for (auto const& left : std::filesystem::directory_iterator(path)) {
+        std::filesystem::remove(left);
+    }
     auto const create = [&](std::wstring const& name) {
         return await(temporary.CreateFileAsync(name, CreationCollisionOption::GenerateUniqueName));
     };

@@ -68,16 +68,6 @@ void on_request(WebKitURISchemeRequest* request, gpointer) {
                               ? nullptr
                               : resolver_for(webkit_uri_scheme_request_get_web_view(request),
                                              host_of(webkit_uri_scheme_request_get_uri(request)));
-    if (auto* h = webkit_uri_scheme_request_get_http_headers(request)) {
-        SoupMessageHeadersIter it;
-        soup_message_headers_iter_init(&it, h);
-        const char *n, *v;
-        fprintf(stderr, "REQ %s:", webkit_uri_scheme_request_get_uri(request));
-        while (soup_message_headers_iter_next(&it, &n, &v))
-            if (g_strcmp0(n, "User-Agent"))
-                fprintf(stderr, " %s=%s", n, v);
-        fprintf(stderr, "\n");
-    }
     auto const own = make_ui_object<content_request>(request);
     if (resolver) {
         answer(own, resolver);

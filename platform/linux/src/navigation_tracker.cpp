@@ -4,7 +4,6 @@
 
 #include "glib_ptr.h"
 #include "load_errors.h"
-#include "local_content.h"
 
 namespace runtime {
 
@@ -24,6 +23,17 @@ bool starts_with_http(std::string_view uri) {
 
 }  // namespace
 
+// Downloads have no place to go to, so links to them do nothing. The engine's own downloads are switched off:
+// when the server of one redirects it to another scheme, the engine turns it into a navigation to local
+// content.
+char const* const navigation_tracker::download_script = R"(
+    window.navigation?.addEventListener('navigate', (event) => {
+        if (event.sourceElement?.hasAttribute('download')) {
+            event.preventDefault();
+        }
+    });
+)";
+
 char const* const navigation_tracker::script = R"((() => {
     if (window.runtimeInstalled) {
         return;  // document.open() runs the scripts of a document's start once more
@@ -35,18 +45,27 @@ char const* const navigation_tracker::script = R"((() => {
     addEventListener('pageshow', (event) => event.persisted && post('loaded'));
     window.navigation?.addEventListener('navigate', (event) => {
         const destination = event.destination;
-        if (!destination.sameDocument && event.downloadRequest === null && event.navigationType !== 'traverse') {
+        if (!destination.sameDocument && !event.defaultPrevented && event.navigationType !== 'traverse') {
             post('navigate ' + destination.url);
         }
     });
 })())";
 
-// Pages get the engine's usual set of features: the interface is switched on for the script above alone.
+// Pages get the engine's usual interfaces: one is switched on for the scripts above alone, and links lose one
+// with the downloads.
 char const* const navigation_tracker::hiding_script = R"((() => {
     for (const name of Object.getOwnPropertyNames(window)) {
         if (/^(navigation$|Navigat(e|ion)[A-Z]|Navigation$)/.test(name) && name !== 'NavigationPreloadManager') {
             delete window[name];
         }
+    }
+    for (const type of [HTMLAnchorElement, HTMLAreaElement]) {
+        Object.defineProperty(type.prototype, 'download', {
+            get() { return this.getAttribute('download') ?? '' },
+            set(value) { this.setAttribute('download', value) },
+            configurable: true,
+            enumerable: true,
+        });
     }
 })())";
 
@@ -141,18 +160,6 @@ gboolean navigation_tracker::on_decide_policy(WebKitWebView*, WebKitPolicyDecisi
                                               WebKitPolicyDecisionType type, gpointer data) {
     auto* const self = static_cast<navigation_tracker*>(data);
     bool allowed = true;
-    if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE)
-        fprintf(stderr, "RESPONSE %s\n",
-                webkit_uri_request_get_uri(
-                    webkit_response_policy_decision_get_request(WEBKIT_RESPONSE_POLICY_DECISION(decision))));
-    else {
-        auto* a = webkit_navigation_policy_decision_get_navigation_action(
-            WEBKIT_NAVIGATION_POLICY_DECISION(decision));
-        fprintf(stderr, "NAV %s type %d redirect %d frame %s\n",
-                webkit_uri_request_get_uri(webkit_navigation_action_get_request(a)),
-                webkit_navigation_action_get_navigation_type(a), webkit_navigation_action_is_redirect(a),
-                webkit_navigation_action_get_frame_name(a));
-    }
     if (type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION) {
         allowed = self->decide_navigation(webkit_navigation_policy_decision_get_navigation_action(
             WEBKIT_NAVIGATION_POLICY_DECISION(decision)));
@@ -195,10 +202,10 @@ void navigation_tracker::handle_message(std::string const& message) {
 }
 
 bool navigation_tracker::decide_navigation(WebKitNavigationAction* action) {
-    std::string const target = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
     if (webkit_navigation_action_is_redirect(action)) {
-        return !is_local(target);
+        return true;
     }
+    std::string const target = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
     bool const from_document =
         target == announced && g_get_monotonic_time() - announced_at < announcement_lifetime_us;
     if (!from_document) {

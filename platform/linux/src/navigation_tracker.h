@@ -47,6 +47,9 @@ class navigation_tracker {
 
     /// The script that announces navigations and document events, and the name of its message handler.
     static char const* const script;
+    /// The script for all frames that makes links to downloads do nothing. It goes before the other one.
+    static char const* const download_script;
+    /// The script for all frames, in the pages' world, that gives them the interfaces they expect.
     static char const* const hiding_script;
     static constexpr char const* handler = "navigation";
 

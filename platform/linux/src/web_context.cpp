@@ -85,8 +85,6 @@ WebKitWebContext* web_context() {
         // A download has no place to go to; the navigation that turned into one has failed.
         g_signal_connect(created, "download-started",
                          G_CALLBACK(+[](WebKitWebContext*, WebKitDownload* download, gpointer) {
-                             fprintf(stderr, "DOWNLOAD %s\n",
-                                     webkit_uri_request_get_uri(webkit_download_get_request(download)));
                              webkit_download_cancel(download);
                          }),
                          nullptr);

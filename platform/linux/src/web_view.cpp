@@ -46,6 +46,10 @@ gobject_ptr<WebKitUserContentManager> make_content_manager() {
     auto manager = gobject_ptr<WebKitUserContentManager>::adopt(webkit_user_content_manager_new());
     webkit_user_content_manager_register_script_message_handler_in_world(
         manager.get(), navigation_tracker::handler, page_world);
+    user_script const download_script(webkit_user_script_new_for_world(
+        navigation_tracker::download_script, WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES,
+        WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, page_world, nullptr, nullptr));
+    webkit_user_content_manager_add_script(manager.get(), download_script.get());
     for (auto const* source : {script_calls::script, navigation_tracker::script}) {
         webkit_user_content_manager_add_script(manager.get(), make_page_script(source).get());
     }
@@ -111,6 +115,7 @@ web_view_object::web_view_object() {
     widget = gobject_ptr<GtkWidget>::share(make_widget());
     offscreen_window = gobject_ptr<GtkWidget>::share(gtk_offscreen_window_new());
     set_feature("NavigationAPI", true);
+    set_feature("DownloadAttribute", false);
     set_feature("UseDamagingInformationForCompositing", true);
     // Without it what is transparent would be lost on the way to the picture.
     gtk_widget_set_visual(offscreen_window.get(),
