@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -73,16 +74,14 @@ std::optional<script_answers::record> script_answers::first_record(std::string_v
 
 void script_answers::read() {
     bytes.erase(0, std::exchange(taken, 0));
-    constexpr size_t piece = 1 << 16;
+    std::array<char, 1 << 16> piece;
     ssize_t count = 0;
     do {
-        auto const size = bytes.size();
-        bytes.resize(size + piece);
-        count = pread(descriptor, bytes.data() + size, piece, static_cast<off_t>(end));
+        count = pread(descriptor, piece.data(), piece.size(), static_cast<off_t>(end));
         auto const added = count > 0 ? static_cast<size_t>(count) : 0;
-        bytes.resize(size + added);
+        bytes.append(piece.data(), added);
         end += added;
-    } while (count > 0);
+    } while (count == static_cast<ssize_t>(piece.size()));
 
     constexpr uint64_t much = 1 << 20;
     if (end - released >= much) {

@@ -258,12 +258,12 @@ void script_calls::on_ran(GObject* view, GAsyncResult* result, gpointer data) {
 
 void script_calls::take_answers(uint64_t last) {
     auto const owner = self;  // those who wait may do anything
-    while (*owner && answers) {
+    while (*owner && answers && !pending.empty() && pending.front().number <= last) {
         auto const answer = answers->next(last);
         if (!answer) {
             return;
         }
-        if (!pending.empty() && pending.front().number == answer->number) {
+        if (pending.front().number == answer->number) {
             auto const ending = std::move(pending.front().ending);
             pending.pop_front();
             end(*ending, answer->text);

@@ -32,15 +32,24 @@ struct completion {
     std::atomic<bool> finished = false;
 };
 
-GSource* make_queue_source(ui_thread* thread, void (*run)(ui_thread*)) {
+/// A source that is ready whenever the function says so. A ready time for that would wake the loop up with
+/// each change; it is for pauses alone.
+GSource* make_queue_source(ui_thread* thread, bool (*is_ready)(ui_thread*), void (*run)(ui_thread*)) {
     struct queue_source {
         GSource base;
         ui_thread* thread;
+        bool (*is_ready)(ui_thread*);
         void (*run)(ui_thread*);
     };
     static GSourceFuncs functions = {
-        .prepare = nullptr,
-        .check = nullptr,
+        .prepare = [](GSource* source, int*) -> gboolean {
+            auto* queue = reinterpret_cast<queue_source*>(source);
+            return queue->is_ready(queue->thread) ? TRUE : FALSE;
+        },
+        .check = [](GSource* source) -> gboolean {
+            auto* queue = reinterpret_cast<queue_source*>(source);
+            return queue->is_ready(queue->thread) ? TRUE : FALSE;
+        },
         .dispatch = [](GSource* source, GSourceFunc, gpointer) -> gboolean {
             auto* queue = reinterpret_cast<queue_source*>(source);
             queue->run(queue->thread);
@@ -52,6 +61,7 @@ GSource* make_queue_source(ui_thread* thread, void (*run)(ui_thread*)) {
     };
     GSource* source = g_source_new(&functions, sizeof(queue_source));
     reinterpret_cast<queue_source*>(source)->thread = thread;
+    reinterpret_cast<queue_source*>(source)->is_ready = is_ready;
     reinterpret_cast<queue_source*>(source)->run = run;
     g_source_set_can_recurse(source, TRUE);
     return source;
@@ -91,7 +101,9 @@ void ui_thread::require_current() {
 }
 
 void ui_thread::start() {
-    source = make_queue_source(this, [](ui_thread* thread) { thread->run_queue(); });
+    source = make_queue_source(
+        this, [](ui_thread* thread) { return thread->is_due(); },
+        [](ui_thread* thread) { thread->run_queue(); });
     g_source_attach(source, g_main_context_default());
     try {
         start_own_thread();
@@ -156,27 +168,36 @@ void ui_thread::become_current() {
 }
 
 void ui_thread::post(std::function<void()> work) {
-    std::lock_guard guard(lock);
-    queue.push_back(std::move(work));
-    // Only the first piece wakes the loop: those after it wait for their turn, and for a break if there is
-    // one.
-    if (held == 0 && queue.size() == 1) {
-        g_source_set_ready_time(source, 0);
+    {
+        std::lock_guard guard(lock);
+        queue.push_back(std::move(work));
+        if (queue.size() > 1 || current) {
+            return;  // the loop knows of the queue, or looks at it before it waits again
+        }
     }
+    g_main_context_wakeup(g_main_context_default());
+}
+
+bool ui_thread::is_due() {
+    std::lock_guard guard(lock);
+    return held == 0 && !pausing && !queue.empty();
 }
 
 /// Runs work for a while: a turn of the loop takes longer than most of it.
 void ui_thread::run_queue() {
+    end_pause();
     constexpr int64_t longest_turn_us = 1000;
     auto const end = g_get_monotonic_time() + longest_turn_us;
-    while (auto const work = take_next()) {
-        work();
-        if (g_get_monotonic_time() >= end) {
-            break;
+    auto now = end;
+    do {
+        auto const work = take_next();
+        if (!work) {
+            return;
         }
-    }
-    std::lock_guard guard(lock);
-    g_source_set_ready_time(source, held == 0 && !queue.empty() ? next_turn() : -1);
+        work();
+        now = g_get_monotonic_time();
+    } while (now < end);
+    begin_pause(now);
 }
 
 std::function<void()> ui_thread::take_next() {
@@ -189,17 +210,24 @@ std::function<void()> ui_thread::take_next() {
     return work;
 }
 
-/// When the next piece of work may run: at once, but after a busy stretch the loop gets a moment for what has
-/// a lower priority than the queue, such as painting and the page processes' messages.
-int64_t ui_thread::next_turn() {
+/// After a busy stretch the loop gets a moment for what has a lower priority than the queue, such as painting
+/// and the page processes' messages.
+void ui_thread::begin_pause(int64_t now) {
     constexpr int64_t longest_stretch_us = 4000;
-    constexpr int64_t break_us = 500;
-    auto const now = g_get_monotonic_time();
-    if (now - last_break < longest_stretch_us) {
-        return 0;
+    constexpr int64_t pause_us = 500;
+    std::lock_guard guard(lock);
+    if (!queue.empty() && now - last_pause >= longest_stretch_us) {
+        last_pause = now;
+        pausing = true;
+        g_source_set_ready_time(source, now + pause_us);
     }
-    last_break = now;
-    return now + break_us;
+}
+
+void ui_thread::end_pause() {
+    std::lock_guard guard(lock);
+    if (std::exchange(pausing, false)) {
+        g_source_set_ready_time(source, -1);
+    }
 }
 
 bool ui_thread::wait_for(std::function<void(std::function<void()> finished)> start,
@@ -230,9 +258,7 @@ void ui_thread::run_nested_until(std::atomic<bool> const& finished, std::chrono:
     }
     g_source_remove(timer);
     std::lock_guard guard(lock);
-    if (--held == 0) {
-        g_source_set_ready_time(source, queue.empty() ? -1 : 0);
-    }
+    --held;
 }
 
 /// Keeps the thread still while the process's static objects go away: WebKit and GTK would use some of them.

@@ -90,16 +90,19 @@ class ui_thread {
     void start_own_thread();
     void adopt_host_thread();
     void become_current();
+    bool is_due();
     void run_queue();
     std::function<void()> take_next();
-    int64_t next_turn();
+    void begin_pause(int64_t now);
+    void end_pause();
     void run_nested_until(std::atomic<bool> const& finished, std::chrono::milliseconds bound);
     void park_at_exit();
 
     std::mutex lock;
     std::deque<std::function<void()>> queue;
     GSource* source = nullptr;
-    int64_t last_break = 0;
+    bool pausing = false;
+    int64_t last_pause = 0;
     int held = 0;  // nested waits on the thread itself
 };
 
