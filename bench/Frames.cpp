@@ -28,8 +28,8 @@ Figures measure(Subject& subject, const std::string& html, const Settings& setti
 
 // More than the browser paints: at the same rate frames would give way to newer ones before the engine's next
 // turn, as often as the two clocks happen to meet.
-constexpr double fastTurnsPerSecond = 120;
-constexpr double usualTurnsPerSecond = 60;
+constexpr double movingPageTurns = 120;
+constexpr double stillPageTurns = 60;
 
 Case makeCase(const char* name, const char* title, std::vector<Line> lines, std::string html, double rate) {
     return {.name = name,
@@ -74,15 +74,15 @@ std::vector<Line> stillLines() {
 }  // namespace
 
 Case elementsCase() {
-    return makeCase("elements", "CSS animation", animatedLines(), elementsPage(), fastTurnsPerSecond);
+    return makeCase("elements", "CSS animation", animatedLines(), elementsPage(), movingPageTurns);
 }
 
 Case canvasCase() {
-    return makeCase("canvas", "whole-page canvas", animatedLines(), canvasPage(), fastTurnsPerSecond);
+    return makeCase("canvas", "whole-page canvas", animatedLines(), canvasPage(), movingPageTurns);
 }
 
 Case stillCase() {
-    return makeCase("still", "still page", stillLines(), stillPage(), usualTurnsPerSecond);
+    return makeCase("still", "still page", stillLines(), stillPage(), stillPageTurns);
 }
 
 }  // namespace zarvik::bench
