@@ -26,19 +26,13 @@ Figures measure(Subject& subject, const std::string& html, const Settings& setti
             {"ownWithoutTurns", percent(measured.ownTime - measured.renderThreadTime)}};
 }
 
-// More than the browser paints: at the same rate frames would give way to newer ones before the engine's next
-// turn, as often as the two clocks happen to meet.
-constexpr double movingPageTurns = 120;
-constexpr double stillPageTurns = 60;
-
-Case makeCase(const char* name, const char* title, std::vector<Line> lines, std::string html, double rate) {
+Case makeCase(const char* name, const char* title, std::vector<Line> lines, std::string html) {
     return {.name = name,
             .title = title,
             .lines = std::move(lines),
-            .measure = [html = std::move(html)](
-                           Subject& subject,
-                           const Settings& settings) { return measure(subject, html, settings); },
-            .rate = rate};
+            .measure = [html = std::move(html)](Subject& subject, const Settings& settings) {
+                return measure(subject, html, settings);
+            }};
 }
 
 std::vector<Line> animatedLines() {
@@ -74,15 +68,15 @@ std::vector<Line> stillLines() {
 }  // namespace
 
 Case elementsCase() {
-    return makeCase("elements", "CSS animation", animatedLines(), elementsPage(), movingPageTurns);
+    return makeCase("elements", "CSS animation", animatedLines(), elementsPage());
 }
 
 Case canvasCase() {
-    return makeCase("canvas", "whole-page canvas", animatedLines(), canvasPage(), movingPageTurns);
+    return makeCase("canvas", "whole-page canvas", animatedLines(), canvasPage());
 }
 
 Case stillCase() {
-    return makeCase("still", "still page", stillLines(), stillPage(), stillPageTurns);
+    return makeCase("still", "still page", stillLines(), stillPage());
 }
 
 }  // namespace zarvik::bench
