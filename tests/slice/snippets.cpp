@@ -469,7 +469,7 @@ void pointers(IUnknown* plain) {
 
 void absences(const controls::WebView& view, const IAsyncAction& action, const http::HttpCookie& cookie) {
 #ifdef absent_property
-    (void)view.Source();
+    (void)view.DocumentTitle();
 #endif
 #ifdef absent_event
     view.UnviewableContentIdentified([](const auto&, const auto&) {});

@@ -1,21 +1,24 @@
 #include "content_stream.h"
 
 #include <algorithm>
+#include <atomic>
+#include <mutex>
 
 namespace runtime {
 
 namespace {
 
-/// The part that is still to be read.
+/// The part that is still to be read. Each read may come on another thread of GIO's.
 struct remaining {
     std::shared_ptr<stream_object> source;
     uint64_t begin;
     uint64_t length;
+    std::mutex lock;
 };
 
 struct content_stream {
     GInputStream base;
-    remaining* rest;
+    std::atomic<remaining*> rest;
 };
 
 struct content_stream_class {
@@ -23,7 +26,8 @@ struct content_stream_class {
 };
 
 gssize read(GInputStream* stream, void* buffer, gsize count, GCancellable*, GError** error) {
-    auto& rest = *reinterpret_cast<content_stream*>(stream)->rest;
+    auto& rest = *reinterpret_cast<content_stream*>(stream)->rest.load();
+    std::lock_guard const guard(rest.lock);
     auto const wanted = std::min<uint64_t>(count, rest.length);
     try {
         auto const done = rest.source->read(rest.begin, {static_cast<uint8_t*>(buffer), wanted});
@@ -40,7 +44,10 @@ gssize read(GInputStream* stream, void* buffer, gsize count, GCancellable*, GErr
 GObjectClass* parent_class = nullptr;
 
 void finalize(GObject* object) {
-    delete reinterpret_cast<content_stream*>(object)->rest;
+    std::unique_ptr<remaining> const rest(reinterpret_cast<content_stream*>(object)->rest.load());
+    {
+        std::lock_guard const last_read_ended(rest->lock);
+    }
     parent_class->finalize(object);
 }
 
@@ -62,7 +69,7 @@ GType content_stream_type() {
 gobject_ptr<GInputStream> open_content(std::shared_ptr<stream_object> source, uint64_t begin,
                                        uint64_t length) {
     auto* const stream = static_cast<GInputStream*>(g_object_new(content_stream_type(), nullptr));
-    reinterpret_cast<content_stream*>(stream)->rest = new remaining{std::move(source), begin, length};
+    reinterpret_cast<content_stream*>(stream)->rest = new remaining{std::move(source), begin, length, {}};
     return gobject_ptr<GInputStream>::adopt(stream);
 }
 
