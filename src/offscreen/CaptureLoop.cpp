@@ -15,6 +15,16 @@ constexpr std::int32_t largestBitmap = 4096;
 constexpr std::chrono::milliseconds pauseUntilReady{16};
 constexpr std::chrono::milliseconds pauseAfterFailure{100};
 
+/// How long a picture waits for the engine to take the one before it: a turn and a half at 60 turns a second.
+/// A slower engine gets the newest picture.
+constexpr std::chrono::milliseconds longestHold{25};
+
+foundation::IAsyncAction setAfter(std::chrono::milliseconds duration,
+                                  std::shared_ptr<CompletionEvent> event) {
+    co_await pauseOnUIThread(duration);
+    event->set();
+}
+
 }  // namespace
 
 bool fitsBitmapCapture(std::int32_t width, std::int32_t height, const foundation::Rect& visibleBounds) {
@@ -67,7 +77,8 @@ foundation::IAsyncAction UwpWebView3D::captureBitmap() {
     const auto self = shared_from_this();
     const RenderTargetBitmap bitmap;
     const auto pixels = co_await renderPage(bitmap, webView, getWidth(), getHeight());
-    publishFrame(std::make_shared<const PixelFrame>(bitmap.PixelWidth(), bitmap.PixelHeight(), pixels));
+    co_await publishFrame(
+        std::make_shared<const PixelFrame>(bitmap.PixelWidth(), bitmap.PixelHeight(), pixels));
 }
 
 foundation::IAsyncAction UwpWebView3D::capturePreview() {
@@ -83,21 +94,46 @@ foundation::IAsyncAction UwpWebView3D::capturePreview() {
         imaging::BitmapPixelFormat::Bgra8, imaging::BitmapAlphaMode::Premultiplied,
         imaging::BitmapTransform(), imaging::ExifOrientationMode::IgnoreExifOrientation,
         imaging::ColorManagementMode::DoNotColorManage);
-    publishFrame(std::make_shared<const PixelFrame>(static_cast<std::int32_t>(decoder.PixelWidth()),
-                                                    static_cast<std::int32_t>(decoder.PixelHeight()),
-                                                    provider.DetachPixelData()));
+    co_await publishFrame(std::make_shared<const PixelFrame>(static_cast<std::int32_t>(decoder.PixelWidth()),
+                                                             static_cast<std::int32_t>(decoder.PixelHeight()),
+                                                             provider.DetachPixelData()));
 }
 
-void UwpWebView3D::publishFrame(std::shared_ptr<const PixelFrame> frame) {
+foundation::IAsyncAction UwpWebView3D::publishFrame(std::shared_ptr<const PixelFrame> frame) {
+    const auto self = shared_from_this();
     const bool unchanged = publishedFrame && publishedFrame->bytes.data() == frame->bytes.data() &&
                            publishedFrame->bytes.size() == frame->bytes.size();
     if (destroyed || (!publishUnchanged.exchange(false) && unchanged)) {
-        return;
+        co_return;
+    }
+    co_await untilFrameTaken();
+    if (destroyed) {
+        co_return;
     }
     publishedFrame = frame;
     // A frame that was never uploaded is dropped, after unlocking.
     const std::lock_guard lock(frameMutex);
     pendingFrame.swap(frame);
+}
+
+/// The page's clock and the engine's are two: now and then two pictures come within one turn of the engine
+/// and none within the next. The second waits here, so that both are shown.
+foundation::IAsyncAction UwpWebView3D::untilFrameTaken() {
+    const auto self = shared_from_this();
+    const auto taken = std::make_shared<CompletionEvent>();
+    {
+        const std::lock_guard lock(frameMutex);
+        if (!pendingFrame || frameTaken) {  // nothing to wait for, or a second loop waits already
+            co_return;
+        }
+        frameTaken = taken;
+    }
+    launch("waiting for the engine to take a picture", setAfter(longestHold, taken));
+    co_await *taken;
+    const std::lock_guard lock(frameMutex);
+    if (frameTaken == taken) {
+        frameTaken.reset();
+    }
 }
 
 void UwpWebView3D::reportCaptureFailure(const std::string& text) {

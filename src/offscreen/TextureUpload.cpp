@@ -8,9 +8,14 @@
 
 void UwpWebView3D::render() {
     std::shared_ptr<const PixelFrame> frame;
+    std::shared_ptr<CompletionEvent> taken;
     {
         const std::lock_guard lock(frameMutex);
         frame.swap(pendingFrame);
+        taken.swap(frameTaken);
+    }
+    if (taken) {
+        postToUIThread([taken] { taken->set(); });
     }
     if (!frame || frame->bytes.empty() || destroyed) {
         return;
