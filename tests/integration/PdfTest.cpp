@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <regex>
+#include <sstream>
 
 #include "support/EngineTest.h"
 #include "support/Pdf.h"
@@ -43,6 +44,25 @@ class PdfTest : public EngineTest {
     ~PdfTest() override { holding = false; }
 
     std::string evaluate(const std::string& script) { return view.evaluate(script).value_or("no answer"); }
+
+    /// Clicks and types as the engine's user does.
+    void clickOn(const std::string& id) {
+        std::int32_t x = 0;
+        std::int32_t y = 0;
+        std::istringstream(
+            evaluate("(({ x, y, width, height }) => Math.round(x + width / 2) + ' ' + "
+                     "Math.round(y + height / 2))(document.getElementById('" +
+                     id + "').getBoundingClientRect())")) >>
+            x >> y;
+        plugin().WebView_pointerDown(view.handle(), x, y, 0, 1);
+        plugin().WebView_pointerUp(view.handle(), x, y, 0, 1);
+    }
+    void type(const std::string& text) {
+        for (const char character : text) {
+            plugin().WebView_sendKey(view.handle(), std::string(1, character).c_str());
+        }
+        plugin().WebView_sendKey(view.handle(), "Enter");
+    }
 
     /// Waits until the viewer shows this text of a document.
     testing::AssertionResult showsText(const std::string& text) {
@@ -133,6 +153,25 @@ TEST_F(PdfTest, ADocumentOnDiskIsShownWithoutACopy) {
     EXPECT_TRUE(showsText("Page 1 of the test"));
     EXPECT_TRUE(downloads().empty());
     EXPECT_EQ(messagesSince(0, view).front(), urlChanged(fileUrl(file)));
+}
+
+TEST_F(PdfTest, LongLargeAndProtectedDocumentsOpen) {
+    load(view, fileUrl(folder.write("long.pdf", makePdf(300))));
+    EXPECT_TRUE(showsText("Page 1 of the test"));
+    clickOn("findToggle");
+    ASSERT_TRUE(waitForResult(view, "document.activeElement.id", "findText"));
+    type("Page 299 of the test");
+    EXPECT_TRUE(showsText("Page 299 of the test"));
+    EXPECT_TRUE(waitForResult(view, "document.getElementById('pageNumber').value", "299"));
+
+    servePdf("/large.pdf", makePdf(3, 50'000'000));
+    load(view, server.url("/large.pdf"));
+    EXPECT_TRUE(showsText("Page 1 of the test"));
+
+    load(view, fileUrl(std::filesystem::path(DOCUMENT_FOLDER) / "protected.pdf"));
+    ASSERT_TRUE(waitForResult(view, "document.activeElement.id", "password"));
+    type("sesame");
+    EXPECT_TRUE(showsText("Chapter 1"));
 }
 
 TEST_F(PdfTest, AFailedDownloadIsAFailedLoadAndLeavesNothing) {

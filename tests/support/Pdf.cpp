@@ -4,7 +4,7 @@
 #include <sstream>
 #include <vector>
 
-std::string makePdf(int pages) {
+std::string makePdf(int pages, std::size_t ballast) {
     // Numbered from 1: the catalogue, the list of pages, the font, and of each page its content and itself.
     std::vector<std::string> objects{"<</Type/Catalog/Pages 2 0 R>>", "",
                                      "<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>"};
@@ -19,6 +19,8 @@ std::string makePdf(int pages) {
             std::to_string(objects.size()) + " 0 R>>");
         references += std::to_string(objects.size()) + " 0 R ";
     }
+    objects.push_back("<</Length " + std::to_string(ballast) + ">>\nstream\n" + std::string(ballast, 'x') +
+                      "\nendstream");
     objects[1] = "<</Type/Pages/Count " + std::to_string(pages) + "/Kids[" + references + "]>>";
 
     std::ostringstream document;

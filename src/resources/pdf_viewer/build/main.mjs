@@ -1,10 +1,8 @@
 // node main.mjs PAGE.html [SOURCE.cpp DEPENDENCIES.d]
 //
-// Builds the viewer page and writes it, and for the plug-in's build a C++ source that holds it in pieces and the list
-// of files that it was made from.
+// Builds the viewer page.
 
-import { mkdirSync, writeFileSync } from "node:fs";
-import path from "node:path";
+import { embedText } from "../../../../cmake/embedText.mjs";
 import { buildViewer } from "./build.mjs";
 
 const pieceCount = 190;
@@ -25,27 +23,4 @@ ${literals.join("")}};
 `;
 }
 
-function makeRule(target, inputs) {
-    const escape = (name) => name.replaceAll(/[ #]/g, "\\$&").replaceAll("$", "$$$$");
-    return `${escape(target)}: ${inputs.map(escape).join(" ")}\n`;
-}
-
-function write(file, content) {
-    mkdirSync(path.dirname(path.resolve(file)), { recursive: true });
-    writeFileSync(file, content);
-}
-
-const [pageFile, sourceFile, dependencyFile] = process.argv.slice(2);
-try {
-    if (!pageFile || (sourceFile && !dependencyFile))
-        throw new Error("usage: node main.mjs PAGE.html [SOURCE.cpp DEPENDENCIES.d]");
-    const { text, inputs } = await buildViewer();
-    write(pageFile, text);
-    if (sourceFile) {
-        write(sourceFile, cppSource(text));
-        write(dependencyFile, makeRule(sourceFile, inputs));
-    }
-} catch (error) {
-    console.error(error.message);
-    process.exitCode = 1;
-}
+await embedText(buildViewer, cppSource);
