@@ -1,0 +1,5 @@
+using System.Runtime.CompilerServices;
+
+[assembly: InternalsVisibleTo("Zarvik.Orvella")]
+[assembly: InternalsVisibleTo("Zarvik.Orvella.Tests")]
+[assembly: InternalsVisibleTo("Zarvik.Orvella.LibraryTests")]
