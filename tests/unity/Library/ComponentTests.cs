@@ -25,7 +25,7 @@ namespace Zarvik.Orvella.LibraryTests
             Renderer mesh = scene.Add("mesh").AddComponent<MeshRenderer>();
             WebView onImage = image.gameObject.AddComponent<WebView>();
             WebView onMesh = mesh.gameObject.AddComponent<WebView>();
-            onMesh.Resolution = new Vector2Int(64, 32);
+            onMesh.Resolution = new Vector2Int(640, 320);
             scene.Await(onImage.LoadHtml(Green));
             scene.Await(onMesh.LoadHtml(Green));
             scene.WaitUntil(() => IsGreen(onImage.Texture) && IsGreen(onMesh.Texture), "no picture");
@@ -37,10 +37,10 @@ namespace Zarvik.Orvella.LibraryTests
             Assert.AreEqual(-1F, ((Vector4)mesh.Properties.Values[Shader.PropertyToID("_BaseMap_ST")]).y);
 
             Texture2D before = onMesh.Texture;
-            onMesh.Resolution = new Vector2Int(128, 32);
+            onMesh.Resolution = new Vector2Int(720, 320);
             scene.WaitUntil(() => onMesh.Texture != before && IsGreen(onMesh.Texture), "no new picture");
             Assert.IsTrue(before.IsDestroyed);
-            Assert.AreEqual(128, onMesh.Texture.width);
+            Assert.AreEqual(720, onMesh.Texture.width);
 
             Texture2D screenshot = scene.Await(onMesh.CaptureScreenshot());
             Assert.AreEqual((byte)'P', screenshot.LoadedImage[1]);
@@ -104,6 +104,8 @@ namespace Zarvik.Orvella.LibraryTests
             scene.Await(view.LoadHtml(Green));
             scene.WaitUntil(() => IsGreen(view.Texture), "no picture");
             holder.SetActive(false);
+            // A picture that is being taken still comes.
+            Engine.Pass(TimeSpan.FromMilliseconds(300), view.Browser);
             scene.Await(view.ExecuteJavaScript("document.body.style.background = '#00f'"));
             Engine.Pass(TimeSpan.FromMilliseconds(500), view.Browser);
             Engine.FinishRendering();

@@ -59,6 +59,28 @@ namespace Zarvik.Orvella.LibraryTests
         }
 
         [Test]
+        public void ADragGoesOnBesideTheSurfaceAndThePointerLeavesAfterIt()
+        {
+            using Browser browser = Browser.CreateOffscreen(400, 200);
+            List<string> seen = Record(browser);
+            var pointer = new PointerInput(browser);
+            pointer.Press(0.5F, 0.5F, MouseButton.Left, 1);
+            pointer.Leave();
+            pointer.Move(1.5F, 0.5F);
+            pointer.Release(MouseButton.Left);
+            pointer.Move(0.999F, 0.5F);
+            pointer.Flush();
+            Engine.WaitUntil(() => seen.Count >= 6, "events are missing");
+            Assert.AreEqual(
+                new[]
+                {
+                    "mousemove 200,100 0", "mousedown 200,100 0", "mousemove 399,100 0", "mouseup 399,100 0",
+                    "mousemove 0,0 0", "mousemove 399,100 0",
+                },
+                seen);
+        }
+
+        [Test]
         public void WheelStepsScrollDownAndFractionsAddUp()
         {
             using Browser browser = Browser.CreateOffscreen(400, 200);

@@ -61,9 +61,22 @@ namespace UnityEngine
         }
     }
 
-    public static class Shader
+    public sealed class Material : Object
+    {
+        public Material(Shader shader)
+        {
+        }
+    }
+
+    public sealed class Shader : Object
     {
         private static readonly List<string> Names = new List<string>();
+
+        private Shader()
+        {
+        }
+
+        public static Shader Find(string name) => new Shader { name = name };
 
         public static int PropertyToID(string name)
         {
@@ -88,6 +101,8 @@ namespace UnityEngine
 
     public class Renderer : Component
     {
+        public Material material { get; set; }
+
         public MaterialPropertyBlock Properties = new MaterialPropertyBlock();
 
         public void GetPropertyBlock(MaterialPropertyBlock properties)
@@ -112,6 +127,8 @@ namespace UnityEngine
 
     public sealed class Camera : Component
     {
+        public static Camera main { get; set; }
+
         public Ray ScreenPointToRay(Vector3 position) => new Ray { Origin = position };
     }
 
@@ -130,6 +147,21 @@ namespace UnityEngine
         }
     }
 
+    public enum RenderMode
+    {
+        ScreenSpaceOverlay = 0,
+    }
+
+    public sealed class Canvas : Component
+    {
+        public RenderMode renderMode { get; set; }
+    }
+
+    public enum PrimitiveType
+    {
+        Quad = 5,
+    }
+
     public static class RectTransformUtility
     {
         public static bool ScreenPointToLocalPointInRectangle(
@@ -141,10 +173,23 @@ namespace UnityEngine
     }
 }
 
+namespace UnityEngine.EventSystems
+{
+    public sealed class PhysicsRaycaster : Component
+    {
+    }
+}
+
 namespace UnityEngine.UI
 {
+    public sealed class GraphicRaycaster : Component
+    {
+    }
+
     public sealed class RawImage : Component
     {
+        public RectTransform rectTransform => (RectTransform)transform;
+
         public Texture texture;
         public Rect uvRect = new Rect(0, 0, 1, 1);
     }

@@ -92,11 +92,18 @@ namespace UnityEngine
 
     public class Transform : Component
     {
+        public Vector3 localScale { get; set; }
+
+        public void SetParent(Transform parent, bool worldPositionStays)
+        {
+        }
     }
 
     public class RectTransform : Transform
     {
         public Rect rect = new Rect(0, 0, 100, 100);
+
+        public Vector2 sizeDelta { get; set; }
 
         public void GetWorldCorners(Vector3[] corners)
         {
@@ -120,6 +127,15 @@ namespace UnityEngine
         public bool activeInHierarchy { get; private set; } = true;
 
         public Transform transform => GetComponent<Transform>();
+
+        public static GameObject CreatePrimitive(PrimitiveType type)
+        {
+            var made = new GameObject(type.ToString());
+            made.RemoveRectangle();
+            made.AddComponent<MeshRenderer>();
+            made.AddComponent<Collider>();
+            return made;
+        }
 
         public T AddComponent<T>() where T : Component, new()
         {

@@ -19,6 +19,8 @@ namespace Zarvik.Orvella
         private int x;
         private int y;
         private bool hasMoved;
+        private bool isPressed;
+        private bool leavesAfterRelease;
         private double scrollX;
         private double scrollY;
 
@@ -64,7 +66,9 @@ namespace Zarvik.Orvella
         public void Press(float u, float v, MouseButton button, double time)
         {
             Move(u, v);
-            Flush();
+            FlushScroll();
+            hasMoved = false; // A press moves the pointer to its point by itself.
+            isPressed = true;
             bool continues = button == lastButton && time - lastPressTime <= DoubleClickTime &&
                 Math.Abs(x - lastPressX) <= DoubleClickDistance && Math.Abs(y - lastPressY) <= DoubleClickDistance;
             clickCount = continues ? clickCount + 1 : 1;
@@ -87,6 +91,11 @@ namespace Zarvik.Orvella
         {
             Flush();
             browser.PointerUp(x, y, button, Math.Max(clickCount, 1));
+            isPressed = false;
+            if (leavesAfterRelease)
+            {
+                Leave();
+            }
         }
 
         /// <summary>The wheel turns over a point. Positive units go to the right and up, as engines count them.</summary>
@@ -97,10 +106,20 @@ namespace Zarvik.Orvella
             scrollY -= unitsY * (double)ScrollSpeed;
         }
 
-        /// <summary>The pointer leaves the surface.</summary>
+        /// <summary>
+        /// The pointer leaves the surface. What is dragged goes on until its button is released, as in any browser.
+        /// </summary>
         public void Leave()
         {
-            Flush();
+            leavesAfterRelease = isPressed;
+            if (isPressed)
+            {
+                return;
+            }
+            FlushScroll();
+            hasMoved = false;
+            x = -1; // So that its return to the same pixel is a move.
+            y = -1;
             browser.LeavePointer();
         }
 
@@ -112,6 +131,11 @@ namespace Zarvik.Orvella
                 hasMoved = false;
                 browser.MovePointer(x, y);
             }
+            FlushScroll();
+        }
+
+        private void FlushScroll()
+        {
             var deltaX = (int)scrollX;
             var deltaY = (int)scrollY;
             if (deltaX != 0 || deltaY != 0)
