@@ -11,8 +11,8 @@ namespace Zarvik.Orvella.Editor
     {
         static EditorLifetime()
         {
-            AssemblyReloadEvents.beforeAssemblyReload += WebViewRunner.Reset;
-            EditorApplication.quitting += WebViewRunner.Reset;
+            AssemblyReloadEvents.beforeAssemblyReload += WebViewRunner.End;
+            EditorApplication.quitting += WebViewRunner.End;
         }
     }
 }

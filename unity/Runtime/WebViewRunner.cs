@@ -55,7 +55,7 @@ namespace Zarvik.Orvella
         /// Where the editor enters play mode without loading the scripts anew, statics keep what the last time left.
         /// </summary>
         [RuntimeInitializeOnLoadMethod(RuntimeInitializeLoadType.SubsystemRegistration)]
-        internal static void Reset()
+        internal static void End()
         {
             WebViewHost.Logged -= Log;
             WebViewHost.HandlerFailed -= Debug.LogException;
@@ -88,7 +88,7 @@ namespace Zarvik.Orvella
         {
             if (instance == this)
             {
-                Reset();
+                End();
             }
         }
     }

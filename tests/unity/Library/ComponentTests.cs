@@ -69,23 +69,30 @@ namespace Zarvik.Orvella.LibraryTests
             Assert.IsFalse(WebViewHost.IsStarted);
         }
 
-        [TestCase(true)]
-        [TestCase(false)]
-        public void PlayModeStopsAndScriptsReloadInAnyOrder(bool runnerFirst)
+        [TestCase("unload", "stop", "reload")]
+        [TestCase("stop", "unload", "reload")]
+        [TestCase("reload", "unload", "stop")]
+        public void ScenesPlayModeAndScriptsEndInAnyOrder(string first, string second, string third)
         {
-            using (var scene = new Scene())
+            var scene = new Scene();
+            WebView view = scene.Add("mesh").AddComponent<MeshRenderer>().gameObject.AddComponent<WebView>();
+            scene.Await(view.LoadHtml(Green));
+            scene.WaitUntil(() => IsGreen(view.Texture), "no picture");
+            var ends = new Dictionary<string, Action>
             {
-                WebView view = scene.Add("mesh").AddComponent<MeshRenderer>().gameObject.AddComponent<WebView>();
-                scene.Await(view.LoadHtml(Green));
-                scene.WaitUntil(() => IsGreen(view.Texture), "no picture");
-                if (runnerFirst)
-                {
-                    scene.StopPlaying();
-                    scene.Unload();
-                }
+                ["unload"] = scene.Unload,
+                ["stop"] = scene.StopPlaying,
+                ["reload"] = UnityEditor.AssemblyReloadEvents.Raise,
+            };
+            ends[first]();
+            if (first != "unload")
+            {
+                Assert.IsFalse(WebViewHost.IsStarted);
+                Engine.FinishRendering();
+                Assert.AreEqual(0, Direct3D.LiveViews);
             }
-            UnityEditor.AssemblyReloadEvents.Raise();
-            Engine.FinishRendering();
+            ends[second]();
+            ends[third]();
             Assert.IsFalse(WebViewHost.IsStarted);
             Assert.AreEqual(0, Direct3D.LiveViews);
             Assert.AreEqual(0, UnityEngine.Object.Alive.OfType<Texture2D>().Count());

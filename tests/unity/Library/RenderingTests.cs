@@ -1,4 +1,5 @@
 using System;
+using System.Collections.Generic;
 using System.Linq;
 using System.Threading;
 using System.Threading.Tasks;
@@ -93,6 +94,15 @@ namespace Zarvik.Orvella.LibraryTests
             Assert.IsTrue(first.IsDisposed && second.IsDisposed && unanswered.IsCanceled);
             Assert.AreEqual(0, Direct3D.LiveViews);
             WaitForTextures(0);
+            NativeMethods.WebView_logVersionInfo();
+            var lines = new List<string>();
+            WebViewHost.Logged += (severity, line) => lines.Add(line);
+            WebViewHost.Start();
+            WebViewHost.Pump();
+            Assert.AreEqual(0, lines.Count, "the library still calls in");
+            WebViewHost.LogVersion();
+            WebViewHost.Pump();
+            Assert.AreEqual(1, lines.Count);
 
             using Browser later = Browser.CreateOffscreen(300, 200);
             Show(later);

@@ -6,11 +6,10 @@ namespace Zarvik.Orvella.Tests
     /// <summary>Which reports of navigations end the task of a load.</summary>
     public sealed class LoadTrackerTests
     {
-        private readonly LoadTracker tracker = new LoadTracker();
-
         [Test]
         public void ReportsOfAnEarlierLoadDoNotEndALaterOne()
         {
+            var tracker = new LoadTracker();
             Task first = tracker.Begin(10);
             Task second = tracker.Begin(20);
             Assert.IsTrue(first.IsCanceled);
@@ -35,6 +34,7 @@ namespace Zarvik.Orvella.Tests
         [Test]
         public void ACancelledLoadFailsWhenNoOtherFollows()
         {
+            var tracker = new LoadTracker();
             Task load = tracker.Begin(0);
             tracker.OnStarted(1);
             tracker.OnFailed(2, Failure("16"), 1000);
@@ -47,6 +47,7 @@ namespace Zarvik.Orvella.Tests
         [Test]
         public void FailuresOfOtherNavigationsAreNotTheLoads()
         {
+            var tracker = new LoadTracker();
             Task load = tracker.Begin(0);
             tracker.OnFailed(1, Failure("404"), 0);
             Assert.IsFalse(load.IsCompleted);
@@ -59,6 +60,7 @@ namespace Zarvik.Orvella.Tests
         [Test]
         public void WhatCannotStartFailsAtOnce()
         {
+            var tracker = new LoadTracker();
             Task load = tracker.Begin(0);
             tracker.OnFailed(1, LoadTracker.ReadFailure("Cannot load the URL x."), 0);
             Assert.AreEqual(null, Fault(load).Status);
