@@ -1,6 +1,7 @@
 using System;
 using System.Collections.Generic;
-using System.Threading;
+using System.Reflection;
+using System.Text;
 using System.Threading.Tasks;
 using NUnit.Framework;
 
@@ -221,6 +222,28 @@ namespace Zarvik.Orvella.LibraryTests
         }
 
         [Test]
+        public void WhatAnEarlierSessionAskedForFindsNobody()
+        {
+            using (Browser earlier = Browser.CreateOffscreen(320, 240))
+            {
+                Engine.Await(earlier.LoadHtml(Page));
+            }
+            byte[] earlierName = NameOf(1);
+            WebViewHost.Shutdown();
+            // As when scripts are loaded anew, the numbers begin again.
+            HostField("lastBrowserId").SetValue(null, 0);
+
+            using Browser browser = Browser.CreateOffscreen(320, 240);
+            Assert.AreEqual(1, browser.Id);
+            var received = new List<string>();
+            browser.MessageReceived += received.Add;
+            WebViewHost.Receive(earlierName, new HostMessage { Kind = HostMessageKind.PageMessage, Text = "not mine" });
+            WebViewHost.Receive(NameOf(1), new HostMessage { Kind = HostMessageKind.PageMessage, Text = "mine" });
+            Engine.Frame();
+            Assert.AreEqual(new[] { "mine" }, received);
+        }
+
+        [Test]
         public void OtherThreadsAndBadArgumentsAreRefused()
         {
             using Browser browser = Browser.CreateOffscreen(320, 240);
@@ -249,6 +272,18 @@ namespace Zarvik.Orvella.LibraryTests
             Assert.AreEqual(cookie.ExpirationDate, found[0].ExpirationDate);
             Engine.Await(CookieStore.DeleteCookies(server.Url("page"), "taste"));
             Assert.AreEqual(0, Engine.Await(CookieStore.GetCookies(server.Url("page"), "taste")).Count);
+        }
+
+        /// <summary>How the library names a browser now.</summary>
+        private static byte[] NameOf(int id)
+        {
+            var prefix = (byte[])HostField("targetPrefix").GetValue(null);
+            return Encoding.ASCII.GetBytes(Encoding.ASCII.GetString(prefix) + id);
+        }
+
+        private static FieldInfo HostField(string name)
+        {
+            return typeof(WebViewHost).GetField(name, BindingFlags.Static | BindingFlags.NonPublic);
         }
     }
 }

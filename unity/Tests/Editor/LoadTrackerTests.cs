@@ -17,17 +17,18 @@ namespace Zarvik.Orvella.Tests
             // Sent before the second call, handed out after it.
             tracker.OnStarted(15);
             tracker.OnFinished(16);
+            tracker.OnFinished(21);
             Assert.IsFalse(second.IsCompleted);
 
             // The first one started late, and is replaced.
-            tracker.OnStarted(21);
-            tracker.OnFailed(22, Failure("16"), 1000);
+            tracker.OnStarted(22);
+            tracker.OnFailed(23, Failure("16"), 1000);
             tracker.Expire(1000);
             Assert.IsFalse(second.IsCompleted);
-            tracker.OnStarted(23);
+            tracker.OnStarted(24);
             tracker.Expire(1000 + LoadTracker.ReplacementTime);
             Assert.IsFalse(second.IsCompleted);
-            tracker.OnFinished(24);
+            tracker.OnFinished(25);
             Assert.AreEqual(TaskStatus.RanToCompletion, second.Status);
         }
 
