@@ -7,7 +7,9 @@ using UnityEngine.Rendering;
 
 namespace Zarvik.Orvella.Editor
 {
-    /// <summary>Warns, when a player for the Universal Windows Platform is built, of settings without which no page shows.</summary>
+    /// <summary>
+    /// Warns, when a player for the Universal Windows Platform is built, of settings without which no page shows.
+    /// </summary>
     internal sealed class BuildCheck : IPreprocessBuildWithReport
     {
         public int callbackOrder => 0;
@@ -36,7 +38,7 @@ namespace Zarvik.Orvella.Editor
             }
             if (!PlayerSettings.WSA.GetCapability(PlayerSettings.WSACapability.InternetClient))
             {
-                yield return "Switch on Player Settings > Capabilities > InternetClient, or no page loads from the network.";
+                yield return "Switch on Player Settings > Capabilities > InternetClient: pages come from the network.";
             }
         }
     }

@@ -17,7 +17,9 @@ namespace Zarvik.Orvella
         /// <summary>A page is loaded.</summary>
         public event Action LoadFinished;
 
-        /// <summary>A page's load has failed, or was replaced by another (see <see cref="WebViewLoadException.CancelledStatus"/>).</summary>
+        /// <summary>
+        /// A page's load has failed, or was replaced (see <see cref="WebViewLoadException.CancelledStatus"/>).
+        /// </summary>
         public event Action<WebViewLoadException> LoadFailed;
 
         /// <summary>The document's URL has changed.</summary>

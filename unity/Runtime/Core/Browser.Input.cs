@@ -61,7 +61,9 @@ namespace Zarvik.Orvella
             NativeMethods.WebView_scroll(Handle(), deltaX, deltaY);
         }
 
-        /// <summary>Scrolls what is under a point and can be scrolled. Positive distances go to the right and down.</summary>
+        /// <summary>
+        /// Scrolls what is under a point and can be scrolled. Positive distances go to the right and down.
+        /// </summary>
         public void Scroll(int deltaX, int deltaY, int x, int y)
         {
             NativeMethods.WebView_scrollAtPoint(Handle(), deltaX, deltaY, x, y);

@@ -21,8 +21,8 @@ namespace Zarvik.Orvella
 
         /// <summary>Loads a web page, a local file ("file:") or a PDF document.</summary>
         /// <returns>
-        /// Completes when the page is loaded. Fails with <see cref="WebViewLoadException"/>; is cancelled by a later load
-        /// or by <see cref="Dispose"/>. Redirects of the server are followed; a page whose script goes elsewhere counts as
+        /// Completes when the page is loaded. Fails with <see cref="WebViewLoadException"/>; is cancelled by a later
+        /// load or by <see cref="Dispose"/>. Redirects of the server are followed; a page whose script goes elsewhere counts as
         /// loaded before it does.
         /// </returns>
         public Task LoadUrl(string url)

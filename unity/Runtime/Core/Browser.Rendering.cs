@@ -82,7 +82,9 @@ namespace Zarvik.Orvella
             NativeMethods.WebView_setRenderingEnabled(Handle(), NativeBoolean.From(isEnabled));
         }
 
-        /// <summary>Whether pages loaded from now on get a white background if they have none. They do at first.</summary>
+        /// <summary>
+        /// Whether pages loaded from now on get a white background if they have none. They do at first.
+        /// </summary>
         public void SetDefaultBackgroundEnabled(bool isEnabled)
         {
             NativeMethods.WebView_setDefaultBackgroundEnabled(Handle(), NativeBoolean.From(isEnabled));

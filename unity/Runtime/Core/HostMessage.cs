@@ -24,7 +24,7 @@ namespace Zarvik.Orvella
     {
         internal HostMessageKind Kind;
 
-        /// <summary>Position among all messages of the process: what was sent before a call is told apart by it.</summary>
+        /// <summary>Position among all messages: what was sent before a call is told apart by it.</summary>
         internal long Sequence;
 
         /// <summary>The browser that it is for.</summary>

@@ -5,7 +5,9 @@ using System.Text;
 
 namespace Zarvik.Orvella
 {
-    /// <summary>A text on its way to native code: NUL-terminated UTF-8 in a pooled buffer, which Dispose returns.</summary>
+    /// <summary>
+    /// A text on its way to native code: NUL-terminated UTF-8 in a pooled buffer, which Dispose returns.
+    /// </summary>
     internal readonly struct NativeText : IDisposable
     {
         /// <summary>A text without zero characters, at which native code would cut it.</summary>

@@ -66,12 +66,12 @@ namespace Zarvik.Orvella
             {
                 NativeCallbacks.Register();
             }
-            catch (Exception exception) when (exception is DllNotFoundException || exception is EntryPointNotFoundException ||
-                exception is BadImageFormatException)
+            catch (Exception exception) when (exception is DllNotFoundException ||
+                exception is EntryPointNotFoundException || exception is BadImageFormatException)
             {
                 throw new PlatformNotSupportedException(
-                    "The native library ZarvikOrvella cannot be loaded here. Web views work in players of the Universal " +
-                    "Windows Platform (ARM64 and x64) and on Linux (x86-64).",
+                    "The native library ZarvikOrvella cannot be loaded here. Web views work in players of the " +
+                    "Universal Windows Platform (ARM64 and x64) and on Linux (x86-64).",
                     exception);
             }
             mainThreadId = Environment.CurrentManagedThreadId;
