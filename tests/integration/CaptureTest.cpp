@@ -33,7 +33,7 @@ INSTANTIATE_TEST_SUITE_P(Paths, CaptureTest, testing::Bool(), pathName);
 TEST_P(CaptureTest, PixelsAreExactInOddSizesAndPitches) {
     struct {
         Size size;
-        std::uint32_t (*rowPitch)(std::uint32_t width);
+        std::uint32_t (*rowPitch)(std::uint32_t width) = nullptr;
     } const cases[] = {
         {{320, 240}, [](std::uint32_t width) { return width * 4; }},
         {{333, 217}, [](std::uint32_t width) { return (width * 4 + 255) / 256 * 256; }},
