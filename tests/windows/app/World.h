@@ -1,0 +1,180 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Object.h"
+
+namespace app {
+
+/// The app's UI thread: a single-threaded apartment whose work comes through its dispatcher.
+class UIThread {
+  public:
+    UIThread();
+    ~UIThread();
+
+    void post(std::function<void()> work, std::chrono::milliseconds delay = {});
+    /// Runs the work there and waits for it.
+    void run(const std::function<void()>& work);
+    bool isCurrent() const { return std::this_thread::get_id() == id; }
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    void loop();
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::multimap<Clock::time_point, std::function<void()>> work;
+    bool ending = false;
+    std::thread::id id;
+    std::thread thread;
+};
+
+UIThread& uiThread();
+
+/// How the platform answers a method from now on.
+struct Behaviour {
+    enum class End { soon, onPoolThread, never };
+
+    HRESULT refusal = S_OK;  // of the call itself
+    HRESULT failure = S_OK;  // of the asynchronous operation
+    End end = End::soon;
+};
+
+/// That of the method that is being called on this thread.
+inline thread_local Behaviour currentBehaviour;
+
+/// A script that a page knows.
+struct ScriptAnswer {
+    std::wstring result;
+    HRESULT failure = S_OK;
+    std::wstring posted{};  // what the script posts to the native side
+};
+
+/// What the test tells the app's side to do, and what it noticed. Any thread.
+class World {
+  public:
+    void behave(const Method& method, const Behaviour& behaviour);
+    /// Everything as usual again; what would never have ended fails now.
+    void behaveAsUsual();
+    Behaviour behaviourOf(const Method& method);
+    /// Calls `fail` when operations that never end are given up.
+    void whenGivenUp(std::function<void()> fail);
+
+    /// Classes whose activation fails.
+    void refuse(const std::wstring& className, HRESULT code);
+    HRESULT refusalOf(const std::wstring& className);
+
+    void setScript(const std::wstring& script, ScriptAnswer answer);
+    std::optional<ScriptAnswer> script(const std::wstring& script);
+    void note(const std::wstring& event);
+    /// What pages were given to run, and what else was noted, since the last call.
+    std::vector<std::wstring> takeNotes();
+
+    /// Pages that cannot be loaded, by URL.
+    std::map<std::wstring, winrt::Windows::Web::WebErrorStatus> unreachable;
+    /// The text files of the device, by path.
+    std::map<std::wstring, std::string> files;
+    std::atomic<std::uint8_t> colour{1};  // tells one picture of a page from the next
+    std::atomic<double> rawPixelsPerViewPixel{1};
+    foundation::Rect visibleBounds{0, 0, 1000, 800};
+    bool panelIsNested = false;
+    bool hasPanel = true;
+
+  private:
+    std::mutex mutex;
+    std::vector<std::pair<Method, Behaviour>> behaviours;
+    std::vector<std::function<void()>> pending;
+    std::map<std::wstring, HRESULT> refusals;
+    std::map<std::wstring, ScriptAnswer> scripts;
+    std::vector<std::wstring> notes;
+};
+
+World& world();
+
+/// Waits until the operation that is being started is to end, and fails if it is to fail.
+struct EndOfOperation {
+    Behaviour behaviour = currentBehaviour;
+    std::shared_ptr<std::atomic<bool>> givenUp = std::make_shared<std::atomic<bool>>(false);
+
+    bool await_ready() const { return false; }
+    void await_suspend(std::coroutine_handle<> handle) const;
+    void await_resume() const;
+};
+
+/// The operation that ends with what `work` returns.
+template <typename Result>
+foundation::IAsyncOperation<Result> operation(std::function<Result()> work) {
+    co_await EndOfOperation();
+    co_return work();
+}
+
+inline foundation::IAsyncAction action(std::function<void()> work = {}) {
+    co_await EndOfOperation();
+    if (work) {
+        work();
+    }
+}
+
+/// The panel in the app's window.
+Object& appPanel();
+
+/// A class that is activated by its name: how to make an object of it, or the methods of the class itself.
+using MakeObject = Object* (*)();
+MakeObject factoryOf(const std::wstring& className);
+
+/// A factory of objects, for classes with a constructor without arguments.
+template <typename Class>
+class Factory : public Object {
+  public:
+    Factory() : Object(L"factory", Threads::any) {
+        static const auto table =
+            Answers<Factory, foundation::IActivationFactory>().template on<[](Factory&, void** made) {
+                auto* const object = new Class;
+                *made = object->query(winrt::guid_of<foundation::IInspectable>());
+                object->release();
+            }>(&Methods<foundation::IActivationFactory>::ActivateInstance);
+        add(table);
+    }
+};
+
+template <typename Class>
+Object* make() {
+    return new Class;
+}
+
+/// The pixel at a place of a page's picture.
+std::uint32_t pixelAt(std::uint32_t x, std::uint32_t y, std::uint8_t colour);
+
+/// Bytes in memory.
+streams::IBuffer bufferOf(std::vector<std::uint8_t> bytes);
+
+struct Picture {
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::uint8_t colour = 0;
+
+    std::vector<std::uint8_t> pixels() const;
+};
+
+/// Puts a picture into a stream in the app's own format.
+void writePicture(const streams::IRandomAccessStream& stream, const Picture& picture);
+
+foundation::Uri uriOf(const std::wstring& text);
+/// All that a stream holds.
+std::string contentOf(const streams::IInputStream& stream);
+
+/// Makes a page ask for something.
+void requestPermission(controls::WebViewPermissionType type);
+void requestNewWindow(const std::wstring& url);
+
+}  // namespace app

@@ -1,0 +1,44 @@
+// Drives the plug-in as an app and its engine do: app PLUGIN.dll SCENARIO
+// Prints a line for everything that is wrong; ends with 1 if there is any.
+
+#include <cstdio>
+#include <cstring>
+
+#include "Engine.h"
+#include "Scenario.h"
+#include "World.h"
+
+namespace {
+
+using winrt::Windows::Web::WebErrorStatus;
+
+/// What the pages of the scenario do, and what the network and the disk have.
+void prepareScenario() {
+    auto& world = app::world();
+    world.unreachable[L"http://127.0.0.1:2/"] = static_cast<WebErrorStatus>(14);
+    world.files[L"C:\\pages\\page.html"] = "<title>page</title><p>page";
+    world.setScript(L"0", {L"0"});
+    world.setScript(L"1 + 1", {L"2"});
+    world.setScript(L"undefined", {L"undefined"});
+    world.setScript(L"'\\u4e16'", {L"\u4e16"});
+    world.setScript(L"throw new Error('wrong')", {L"Error: wrong", static_cast<HRESULT>(0x80020101)});
+    world.setScript(L"_zarvikBridge.postMessage('from the page')", {L"", S_OK, L"from the page"});
+}
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments) {
+    if (count != 3) {
+        return 2;
+    }
+    winrt::init_apartment();
+    Engine engine(arguments[1]);
+    const std::wstring scenario = arguments[2];
+    if (scenario == L"scenario") {
+        prepareScenario();
+        playScenario(engine.plugin(), engine.recorder(), "file:///C:/pages/");
+    }
+    std::fflush(stdout);
+    // The plug-in and its threads stay until the end of the process.
+    std::_Exit(app::findings() == 0 ? 0 : 1);
+}
