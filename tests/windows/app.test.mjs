@@ -10,6 +10,14 @@ const sources = `${root}tests/windows/app`;
 const program = `${root}build/windows-app`;
 const linuxLibrary = `${root}build/linux/libZarvikOrvella.so`;
 
+// A class is looked for in DLLs with the parts of its name, from the longest to the shortest. The shortest alone would
+// do, but slowly.
+const namespaces = [
+    "", "ApplicationModel.Core", "Data.Json", "Foundation", "Graphics.Display", "Graphics.Imaging", "Security.Cryptography",
+    "Storage", "Storage.Streams", "UI", "UI.ViewManagement", "UI.Xaml", "UI.Xaml.Controls", "UI.Xaml.Media",
+    "UI.Xaml.Media.Imaging", "Web.Http", "Web.Http.Filters",
+];
+
 let screen;
 
 before(async () => {
@@ -26,8 +34,9 @@ after(() => screen?.stop());
 /** What the program printed while it played a scenario, with the plug-in as it is or changed. */
 function play(scenario, change = (dll) => dll) {
     return withFolder((folder) => {
-        for (const name of ["app.exe", "Windows.dll"])
-            symlinkSync(`${program}/${name}`, `${folder}/${name}`);
+        symlinkSync(`${program}/app.exe`, `${folder}/app.exe`);
+        for (const name of namespaces)
+            symlinkSync(`${program}/Windows.dll`, `${folder}/Windows${name && "."}${name}.dll`);
         symlinkSync(built("x64", "ZarvikWebViewRuntimeComponent.dll"), `${folder}/ZarvikWebViewRuntimeComponent.dll`);
         writeFileSync(`${folder}/ZarvikOrvella.dll`, change(readFileSync(built("x64", "ZarvikOrvella.dll"))));
         const environment = {
@@ -69,3 +78,11 @@ test("Linux says what is expected", { skip: !existsSync(linuxLibrary) && "the Li
         const { stdout } = run(`${folder}/linux`, [linuxLibrary, `file://${folder}/pages/`], environment);
         assert.equal(stdout, expected);
     }));
+
+test("pages reach the engine's texture, whatever the engine does meanwhile", () => {
+    assert.equal(play("rendering"), "");
+});
+
+test("whatever fails is logged, crashes nothing and is got over", () => {
+    assert.equal(play("faults"), "");
+});

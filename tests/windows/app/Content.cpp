@@ -292,6 +292,7 @@ struct EncoderClass : Object {
     }
 };
 
+/// Who renders keeps the bitmap until that has ended.
 struct RenderTarget : Object {
     RenderTarget() : Object(L"Windows.UI.Xaml.Media.Imaging.RenderTargetBitmap") {
         using I = xaml::Media::Imaging::IRenderTargetBitmap;
@@ -304,8 +305,8 @@ struct RenderTarget : Object {
                     *height = static_cast<std::int32_t>(self.picture.height);
                 }>(&Methods<I>::get_PixelHeight)
                 .on<[](RenderTarget& self, void*, std::int32_t width, std::int32_t height, void** result) {
-                    out(result, action([kept = project<xaml::Media::Imaging::RenderTargetBitmap>(self), &self,
-                                        width, height] {
+                    out(result, action([&self, width, height] {
+                            ++world().renderings;
                             const double scale = world().rawPixelsPerViewPixel;
                             self.picture = {static_cast<std::uint32_t>(width * scale),
                                             static_cast<std::uint32_t>(height * scale), world().colour};
@@ -373,6 +374,10 @@ foundation::Uri uriOf(const std::wstring& text) {
         throw winrt::hresult_invalid_argument();
     }
     return create<foundation::Uri, Uri>(text);
+}
+
+std::wstring textOf(const foundation::Uri& uri) {
+    return behind<Uri>(uri).text;
 }
 
 streams::IBuffer bufferOf(Bytes bytes) {

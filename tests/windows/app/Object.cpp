@@ -12,6 +12,8 @@ namespace {
 
 std::mutex mutex;
 std::map<std::wstring, int> living;
+std::string step = "start";
+std::atomic<int> steps;
 std::atomic<int> found;
 
 std::string text(const Object& object, const Method& method) {
@@ -81,7 +83,7 @@ void* Object::query(const winrt::guid& interfaceId) {
         const bool any =
             interfaceId == winrt::guid_of<winrt::Windows::Foundation::IUnknown>() ||
             interfaceId == winrt::guid_of<winrt::Windows::Foundation::IInspectable>() ||
-            (interfaceId == winrt::guid_of<winrt::impl::IAgileObject>() && threads == Threads::any);
+            (interfaceId == winrt::guid_of<winrt::impl::IAgileObject>() && threads == Threads::any && kept);
         if (any || entry.interfaceId == interfaceId) {
             addReference();
             return &entry.face;
@@ -107,7 +109,8 @@ void Object::checkThread(const Method& method) const {
 
 void finding(const std::string& text) {
     ++found;
-    std::printf("FINDING: %s\n", text.c_str());
+    const std::lock_guard lock(mutex);
+    std::printf("FINDING: %s (%s)\n", text.c_str(), step.c_str());
     std::fflush(stdout);
 }
 
@@ -115,8 +118,21 @@ int findings() {
     return found;
 }
 
+void beginStep(const std::string& name) {
+    const std::lock_guard lock(mutex);
+    step = name;
+    std::thread([number = ++steps] {
+        std::this_thread::sleep_for(std::chrono::seconds(30));
+        if (number == steps) {
+            finding("it takes too long");
+            std::_Exit(1);
+        }
+    }).detach();
+}
+
 void enter(const Object& object, const Method& method) {
     object.checkThread(method);
+    world().noteCall(method, object.name());
     const Behaviour behaviour = world().behaviourOf(method);
     currentBehaviour = behaviour;
     winrt::check_hresult(behaviour.refusal);

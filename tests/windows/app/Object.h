@@ -46,7 +46,7 @@ struct Face {
     Object* object;
 };
 
-inline constexpr std::size_t mostSlots = 128;
+inline constexpr std::size_t mostSlots = 160;
 
 /// The virtual table of one interface of one class.
 struct Table {
@@ -56,7 +56,8 @@ struct Table {
     std::array<void*, mostSlots> slots;
 };
 
-/// Counts its references. Objects of the user interface may be used on the UI thread only.
+/// Counts its references. Objects of the user interface may be used on the UI thread only. What makes objects
+/// is not agile, so that it is asked for each time and can be refused.
 class Object {
   public:
     enum class Threads { ui, any };
@@ -68,6 +69,7 @@ class Object {
 
     /// The interface, with a reference of its own, or null.
     void* query(const winrt::guid& interfaceId);
+    void forbidKeeping() { kept = false; }
     std::uint32_t addReference() { return ++references; }
     std::uint32_t release();
     const wchar_t* name() const { return className; }
@@ -87,6 +89,7 @@ class Object {
 
     const wchar_t* const className;
     const Threads threads;
+    bool kept = true;
     std::atomic<std::uint32_t> references{1};
     std::deque<Entry> faces;
 };
@@ -94,6 +97,9 @@ class Object {
 /// Notes something that must not happen; the test ends as failed.
 void finding(const std::string& text);
 int findings();
+
+/// Begins a step of the test. It is named with each finding; when it takes too long, the program ends.
+void beginStep(const std::string& name);
 
 /// Fails with the code that the test asked for, if it asked for one, and remembers how the method's
 /// operation is to end.
@@ -108,7 +114,7 @@ struct Answers : Table {
     Answers& on(std::int32_t (__stdcall Declaration::*method)(Arguments...) noexcept) {
         static Method called;
         called = {interfaceId, slotOf(method)};
-        slots[called.slot] =
+        slots.at(called.slot) =
             reinterpret_cast<void*>(+[](Face* self, Arguments... arguments) noexcept -> std::int32_t {
                 try {
                     enter(*self->object, called);

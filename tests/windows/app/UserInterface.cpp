@@ -198,6 +198,11 @@ Object& appPanel() {
     return window().panel;
 }
 
+void restoreWindow() {
+    window().hasContent = true;
+    window().panel.children.Clear();
+}
+
 Object* makeWebViewFactory();
 MakeObject contentFactoryOf(const std::wstring& className);
 

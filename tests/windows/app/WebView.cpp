@@ -103,7 +103,8 @@ struct WebView : Object {
 
     double width = 0;
     double height = 0;
-    std::uint32_t navigation = 0;
+    /// The number of the navigation under way or done.
+    std::shared_ptr<std::atomic<std::uint32_t>> navigations = std::make_shared<std::atomic<std::uint32_t>>(0);
     bool loading = false;
     bool hasPage = false;
     std::vector<foundation::Uri> history;
@@ -116,7 +117,7 @@ struct WebView : Object {
 
 void WebView::later(std::uint32_t ofNavigation, std::function<void()> step) {
     uiThread().post([self = projection(), this, ofNavigation, step = std::move(step)] {
-        if (navigation == ofNavigation) {
+        if (*navigations == ofNavigation) {
             step();
         }
     });
@@ -129,17 +130,16 @@ void WebView::finish(WebErrorStatus status, const foundation::Uri& uri) {
 
 void WebView::navigate(const foundation::Uri& uri, std::optional<std::size_t> historyEntry,
                        const IUriToStreamResolver& resolver) {
-    const std::uint32_t number = ++navigation;
+    const std::uint32_t number = ++*navigations;
     loading = true;
     bridge = nullptr;
     later(number, [this, uri, number, historyEntry, resolver] {
         const auto arguments = create<controls::WebViewNavigationStartingEventArgs, Arguments>(uri);
         starting(projection(), arguments);
-        if (navigation != number || behind<Arguments>(arguments).cancelled) {
+        if (*navigations != number || behind<Arguments>(arguments).cancelled) {
             return;
         }
-        const auto failure =
-            uri ? world().unreachable.find(std::wstring(uri.AbsoluteUri())) : world().unreachable.end();
+        const auto failure = uri ? world().unreachable.find(textOf(uri)) : world().unreachable.end();
         if (failure != world().unreachable.end()) {
             later(number, [this, uri, status = failure->second] { finish(status, uri); });
         } else if (resolver) {
@@ -160,12 +160,13 @@ winrt::fire_and_forget WebView::readLocal(foundation::Uri uri, IUriToStreamResol
         const std::string content = contentOf(co_await resolver.UriToStreamAsync(uri));
         world().note(L"content: " + std::wstring(winrt::to_hstring(content)));
         found = true;
-    } catch (const winrt::hresult_error&) {
+    } catch (...) {
+        // Then the page is not there.
     }
     uiThread().post([self = std::move(self), this, uri, number, found] {
-        if (navigation == number && found) {
+        if (*navigations == number && found) {
             show(uri, {});
-        } else if (navigation == number) {
+        } else if (*navigations == number) {
             finish(WebErrorStatus::NotFound, uri);
         }
     });
@@ -181,7 +182,7 @@ void WebView::show(const foundation::Uri& uri, std::optional<std::size_t> histor
         history.push_back(uri);
         position = history.size() - 1;
     }
-    const std::uint32_t number = navigation;
+    const std::uint32_t number = *navigations;
     later(number, [this, uri, number] {
         contentLoading(projection(), create<controls::WebViewContentLoadingEventArgs, Arguments>(uri));
         later(number, [this, uri, number] {
@@ -192,18 +193,20 @@ void WebView::show(const foundation::Uri& uri, std::optional<std::size_t> histor
     });
 }
 
+/// The script runs at once; only its end can be elsewhere, where nothing of the control may be kept.
 foundation::IAsyncOperation<winrt::hstring> WebView::invoke(std::wstring name, std::wstring script) {
-    const auto self = projection();
-    const EndOfOperation end;
-    const std::uint32_t number = navigation;
     world().note(name + L": " + script);
-    co_await end;
-    if (!hasPage || number != navigation) {
-        throw winrt::hresult_illegal_method_call();
-    }
+    const EndOfOperation end;
     const auto answer = world().script(script).value_or(ScriptAnswer{});
+    const bool runs = hasPage;
+    const auto counter = navigations;
+    const std::uint32_t number = *counter;
     if (!answer.posted.empty() && bridge) {
         bridge.postMessage(answer.posted);
+    }
+    co_await end;
+    if (!runs || number != *counter) {
+        throw winrt::hresult_illegal_method_call();
     }
     // What a page throws, the helper that gives results turns into text.
     if (FAILED(answer.failure) && name == L"eval") {
@@ -253,7 +256,7 @@ WebView::WebView() : Object(L"Windows.UI.Xaml.Controls.WebView") {
             .on<[](WebView& self) { self.navigate(self.source, self.position); }>(&Methods<Content>::Refresh)
             .on<[](WebView& self) {
                 if (std::exchange(self.loading, false)) {
-                    const auto number = ++self.navigation;
+                    const auto number = ++*self.navigations;
                     self.later(number, [&self] { self.finish(WebErrorStatus::OperationCanceled, nullptr); });
                 }
             }>(&Methods<Content>::Stop)
@@ -261,6 +264,7 @@ WebView::WebView() : Object(L"Windows.UI.Xaml.Controls.WebView") {
                 const auto target = in<streams::IRandomAccessStream>(stream);
                 out(result, action([target, width = self.width, height = self.height] {
                         const double scale = world().rawPixelsPerViewPixel;
+                        ++world().previews;
                         writePicture(target, {static_cast<std::uint32_t>(width * scale),
                                               static_cast<std::uint32_t>(height * scale), world().colour});
                     }));
@@ -281,6 +285,10 @@ WebView::WebView() : Object(L"Windows.UI.Xaml.Controls.WebView") {
             .on<[](WebView&, winrt::impl::struct_Windows_UI_Color color) {
                 world().note(color.A ? L"opaque" : L"transparent");
             }>(&Methods<Content>::put_DefaultBackgroundColor)
+            .on<[](WebView&, std::int32_t, bool* done) {
+                world().note(L"focus");
+                *done = true;
+            }>(&Methods<Content>::Focus)
             .on<[](WebView& self, void* request) {
                 self.navigate(in<http::HttpRequestMessage>(request).RequestUri());
             }>(&Methods<Content>::NavigateWithHttpRequestMessage);
@@ -316,16 +324,10 @@ WebView::WebView() : Object(L"Windows.UI.Xaml.Controls.WebView") {
                                    .on<[](WebView&, std::int32_t visibility) {
                                        world().note(visibility ? L"collapsed" : L"visible");
                                    }>(&Methods<Visual>::put_Visibility);
-    static const auto control =
-        Answers<WebView, controls::IControl>().on<[](WebView&, std::int32_t, bool* done) {
-            world().note(L"focus");
-            *done = true;
-        }>(&Methods<controls::IControl>::Focus);
     static const Answers<WebView, xaml::IDependencyObject> object;
     for (const Table* table : {static_cast<const Table*>(&navigation), static_cast<const Table*>(&content),
                                static_cast<const Table*>(&requests), static_cast<const Table*>(&element),
-                               static_cast<const Table*>(&visual), static_cast<const Table*>(&control),
-                               static_cast<const Table*>(&object)}) {
+                               static_cast<const Table*>(&visual), static_cast<const Table*>(&object)}) {
         add(*table);
     }
     current = this;

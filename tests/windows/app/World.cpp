@@ -123,7 +123,9 @@ void World::behaveAsUsual() {
 Behaviour World::behaviourOf(const Method& method) {
     const std::lock_guard lock(mutex);
     const auto found = std::ranges::find(behaviours, method, &std::pair<Method, Behaviour>::first);
-    return found == behaviours.end() ? Behaviour{} : found->second;
+    Behaviour behaviour = found == behaviours.end() ? Behaviour{} : found->second;
+    behaviour.method = method;
+    return behaviour;
 }
 
 void World::whenGivenUp(std::function<void()> fail) {
@@ -131,15 +133,54 @@ void World::whenGivenUp(std::function<void()> fail) {
     pending.push_back(std::move(fail));
 }
 
-void World::refuse(const std::wstring& className, HRESULT code) {
+void World::refuse(const std::wstring& className) {
     const std::lock_guard lock(mutex);
-    refusals[className] = code;
+    refusals.insert(className);
 }
 
-HRESULT World::refusalOf(const std::wstring& className) {
+bool World::isRefused(const std::wstring& className) {
     const std::lock_guard lock(mutex);
-    const auto found = refusals.find(className);
-    return found == refusals.end() ? S_OK : found->second;
+    if (std::ranges::find(classes, className) == classes.end()) {
+        classes.push_back(className);
+    }
+    return refusals.contains(className);
+}
+
+void World::noteCall(const Method& method, const wchar_t* object) {
+    const std::lock_guard lock(mutex);
+    if (std::ranges::find(methods, method, &std::pair<Method, std::wstring>::first) == methods.end()) {
+        methods.emplace_back(method, object);
+    }
+}
+
+std::vector<std::pair<Method, std::wstring>> World::calledMethods() {
+    const std::lock_guard lock(mutex);
+    return methods;
+}
+
+std::vector<std::pair<Method, std::wstring>> World::operations() {
+    const std::lock_guard lock(mutex);
+    auto found = methods;
+    std::erase_if(
+        found, [&](const auto& method) { return std::ranges::find(started, method.first) == started.end(); });
+    return found;
+}
+
+void World::noteOperation(const Method& method) {
+    const std::lock_guard lock(mutex);
+    if (std::ranges::find(started, method) == started.end()) {
+        started.push_back(method);
+    }
+}
+
+bool World::hasPending() {
+    const std::lock_guard lock(mutex);
+    return !pending.empty();
+}
+
+std::vector<std::wstring> World::activatedClasses() {
+    const std::lock_guard lock(mutex);
+    return classes;
 }
 
 void World::setScript(const std::wstring& script, ScriptAnswer answer) {
@@ -158,9 +199,14 @@ void World::note(const std::wstring& event) {
     notes.push_back(event);
 }
 
-std::vector<std::wstring> World::takeNotes() {
+bool World::hasNoted(const std::wstring& event) {
     const std::lock_guard lock(mutex);
-    return std::exchange(notes, {});
+    return std::ranges::any_of(notes, [&](const auto& note) { return note.starts_with(event); });
+}
+
+void World::clearNotes() {
+    const std::lock_guard lock(mutex);
+    notes.clear();
 }
 
 void EndOfOperation::await_suspend(std::coroutine_handle<> handle) const {
@@ -196,8 +242,8 @@ void EndOfOperation::await_resume() const {
 extern "C" __declspec(dllexport) std::int32_t __stdcall getAppFactory(void* classId, void** factory) {
     *factory = nullptr;
     const std::wstring className(app::in<winrt::hstring>(classId));
-    if (const HRESULT refusal = app::world().refusalOf(className); FAILED(refusal)) {
-        return refusal;
+    if (app::world().isRefused(className)) {
+        return REGDB_E_CLASSNOTREG;
     }
     const app::MakeObject make = app::factoryOf(className);
     if (!make) {
@@ -205,6 +251,7 @@ extern "C" __declspec(dllexport) std::int32_t __stdcall getAppFactory(void* clas
         return REGDB_E_CLASSNOTREG;
     }
     app::Object* const object = make();
+    object->forbidKeeping();
     *factory = object->query(winrt::guid_of<foundation::IInspectable>());
     object->release();
     return S_OK;

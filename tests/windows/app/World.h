@@ -7,6 +7,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -25,6 +26,7 @@ class UIThread {
     /// Runs the work there and waits for it.
     void run(const std::function<void()>& work);
     bool isCurrent() const { return std::this_thread::get_id() == id; }
+    std::thread::id identifier() const { return id; }
 
   private:
     using Clock = std::chrono::steady_clock;
@@ -48,6 +50,7 @@ struct Behaviour {
     HRESULT refusal = S_OK;  // of the call itself
     HRESULT failure = S_OK;  // of the asynchronous operation
     End end = End::soon;
+    Method method{};
 };
 
 /// That of the method that is being called on this thread.
@@ -70,15 +73,27 @@ class World {
     /// Calls `fail` when operations that never end are given up.
     void whenGivenUp(std::function<void()> fail);
 
-    /// Classes whose activation fails.
-    void refuse(const std::wstring& className, HRESULT code);
-    HRESULT refusalOf(const std::wstring& className);
+    /// Lets the activation of a class fail.
+    void refuse(const std::wstring& className);
+    bool isRefused(const std::wstring& className);
+
+    /// The methods that were called and the classes that were activated up to now, in that order.
+    std::vector<std::pair<Method, std::wstring>> calledMethods();
+    std::vector<std::wstring> activatedClasses();
+    /// Those of the methods that start an operation.
+    std::vector<std::pair<Method, std::wstring>> operations();
+    void noteCall(const Method& method, const wchar_t* object);
+    void noteOperation(const Method& method);
+    /// Whether an operation is under way that never ends.
+    bool hasPending();
 
     void setScript(const std::wstring& script, ScriptAnswer answer);
     std::optional<ScriptAnswer> script(const std::wstring& script);
     void note(const std::wstring& event);
-    /// What pages were given to run, and what else was noted, since the last call.
-    std::vector<std::wstring> takeNotes();
+    /// Whether something that begins so was noted since the notes were cleared: what pages were given to run,
+    /// and other events.
+    bool hasNoted(const std::wstring& event);
+    void clearNotes();
 
     /// Pages that cannot be loaded, by URL.
     std::map<std::wstring, winrt::Windows::Web::WebErrorStatus> unreachable;
@@ -86,6 +101,9 @@ class World {
     std::map<std::wstring, std::string> files;
     std::atomic<std::uint8_t> colour{1};  // tells one picture of a page from the next
     std::atomic<double> rawPixelsPerViewPixel{1};
+    /// How many pictures were taken, either way.
+    std::atomic<int> renderings{0};
+    std::atomic<int> previews{0};
     foundation::Rect visibleBounds{0, 0, 1000, 800};
     bool panelIsNested = false;
     bool hasPanel = true;
@@ -94,7 +112,10 @@ class World {
     std::mutex mutex;
     std::vector<std::pair<Method, Behaviour>> behaviours;
     std::vector<std::function<void()>> pending;
-    std::map<std::wstring, HRESULT> refusals;
+    std::set<std::wstring> refusals;
+    std::vector<std::wstring> classes;
+    std::vector<std::pair<Method, std::wstring>> methods;
+    std::vector<Method> started;
     std::map<std::wstring, ScriptAnswer> scripts;
     std::vector<std::wstring> notes;
 };
@@ -103,6 +124,8 @@ World& world();
 
 /// Waits until the operation that is being started is to end, and fails if it is to fail.
 struct EndOfOperation {
+    EndOfOperation() { world().noteOperation(behaviour.method); }
+
     Behaviour behaviour = currentBehaviour;
     std::shared_ptr<std::atomic<bool>> givenUp = std::make_shared<std::atomic<bool>>(false);
 
@@ -127,6 +150,8 @@ inline foundation::IAsyncAction action(std::function<void()> work = {}) {
 
 /// The panel in the app's window.
 Object& appPanel();
+/// Gives the window its content again, with nothing in the panel.
+void restoreWindow();
 
 /// A class that is activated by its name: how to make an object of it, or the methods of the class itself.
 using MakeObject = Object* (*)();
@@ -170,6 +195,7 @@ struct Picture {
 void writePicture(const streams::IRandomAccessStream& stream, const Picture& picture);
 
 foundation::Uri uriOf(const std::wstring& text);
+std::wstring textOf(const foundation::Uri& uri);
 /// All that a stream holds.
 std::string contentOf(const streams::IInputStream& stream);
 

@@ -2,10 +2,11 @@
 // Prints a line for everything that is wrong; ends with 1 if there is any.
 
 #include <cstdio>
-#include <cstring>
+#include <exception>
 
 #include "Engine.h"
 #include "Scenario.h"
+#include "Scenarios.h"
 #include "World.h"
 
 namespace {
@@ -32,10 +33,23 @@ int wmain(int count, wchar_t** arguments) {
         return 2;
     }
     winrt::init_apartment();
+    SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* crash) -> LONG {
+        app::finding("crash with code " + std::to_string(crash->ExceptionRecord->ExceptionCode));
+        std::_Exit(1);
+    });
+    std::set_terminate([] {
+        app::finding("terminate was called");
+        std::_Exit(1);
+    });
+    app::beginStep("start");
     Engine engine(arguments[1]);
     const std::wstring scenario = arguments[2];
-    if (scenario == L"scenario") {
-        prepareScenario();
+    prepareScenario();
+    if (scenario == L"rendering") {
+        playRendering(engine);
+    } else if (scenario == L"faults") {
+        playFaults(engine);
+    } else {
         playScenario(engine.plugin(), engine.recorder(), "file:///C:/pages/");
     }
     std::fflush(stdout);
