@@ -19,6 +19,8 @@ struct DeviceFaults {
     HRESULT createView = S_OK;
     HRESULT map = S_OK;
     UINT padding = 0;
+
+    bool isAny() const { return FAILED(createTexture) || FAILED(createView) || FAILED(map); }
 };
 
 /// An engine with a real Direct3D 11 device, whose render thread is the caller's. One per process.

@@ -35,7 +35,7 @@ std::uint32_t __stdcall release(Face* self) {
 }
 
 std::int32_t __stdcall getClassName(Face* self, void** name) {
-    out(name, winrt::hstring(self->object->name()));
+    give(name, winrt::hstring(self->object->name()));
     return S_OK;
 }
 
@@ -49,14 +49,14 @@ std::int32_t __stdcall unexpected(Face* self) {
 }
 
 template <std::size_t... slot>
-std::array<void*, mostSlots> unanswered(std::index_sequence<slot...>) {
+std::array<void*, 160> unanswered(std::index_sequence<slot...>) {
     return {reinterpret_cast<void*>(unexpected<slot>)...};
 }
 
 }  // namespace
 
 Table::Table(const winrt::guid& interfaceId)
-    : interfaceId(interfaceId), slots(unanswered(std::make_index_sequence<mostSlots>())) {
+    : interfaceId(interfaceId), slots(unanswered(std::make_index_sequence<160>())) {
     slots[0] = reinterpret_cast<void*>(queryInterface);
     slots[1] = reinterpret_cast<void*>(addReference);
     slots[2] = reinterpret_cast<void*>(release);
@@ -80,10 +80,10 @@ int Object::alive(const std::wstring& className) {
 
 void* Object::query(const winrt::guid& interfaceId) {
     for (Entry& entry : faces) {
-        const bool any =
-            interfaceId == winrt::guid_of<winrt::Windows::Foundation::IUnknown>() ||
-            interfaceId == winrt::guid_of<winrt::Windows::Foundation::IInspectable>() ||
-            (interfaceId == winrt::guid_of<winrt::impl::IAgileObject>() && threads == Threads::any && kept);
+        const bool any = interfaceId == winrt::guid_of<winrt::Windows::Foundation::IUnknown>() ||
+                         interfaceId == winrt::guid_of<winrt::Windows::Foundation::IInspectable>() ||
+                         (interfaceId == winrt::guid_of<winrt::impl::IAgileObject>() &&
+                          threads == Threads::any && mayBeKept);
         if (any || entry.interfaceId == interfaceId) {
             addReference();
             return &entry.face;
@@ -114,8 +114,17 @@ void finding(const std::string& text) {
     std::fflush(stdout);
 }
 
-int findings() {
-    return found;
+void check(bool right, const std::string& what) {
+    if (!right) {
+        finding(what);
+    }
+}
+
+void endProgram() {
+    std::fflush(stdout);
+    // Nothing is to be unloaded while threads run in it.
+    TerminateProcess(GetCurrentProcess(), found == 0 ? 0 : 1);
+    std::abort();
 }
 
 void beginStep(const std::string& name) {
@@ -125,7 +134,7 @@ void beginStep(const std::string& name) {
         std::this_thread::sleep_for(std::chrono::seconds(30));
         if (number == steps) {
             finding("it takes too long");
-            std::_Exit(1);
+            endProgram();
         }
     }).detach();
 }

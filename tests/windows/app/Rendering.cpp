@@ -7,6 +7,7 @@
 
 namespace {
 
+using app::check;
 using app::world;
 
 void everyPathAndRowLength(Engine& engine) {
@@ -163,10 +164,8 @@ void requests(Engine& engine) {
     }
     const auto from = engine.recorder().position();
     app::requestNewWindow(L"http://site.example/new");
-    check(engine.recorder()
-              .waitFor([](const auto& record) { return record.payload.ends_with("site.example/new\" }}"); },
-                       from)
-              .has_value(),
+    session.waitForLoad(from);
+    check(engine.recorder().since(from).front().payload.ends_with("site.example/new\" }}"),
           "a new window opens in the view");
     app::requestNewWindow(L"ms-local-stream://app_ZarvikLocal/file/C:/pages/page.html");
     check(engine.recorder().all().back().payload.find("isn't allowed to open the local content") !=

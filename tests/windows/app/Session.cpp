@@ -4,11 +4,7 @@ using zarvik::host::Record;
 
 constexpr std::chrono::seconds patience{5};
 
-void check(bool right, const std::string& what) {
-    if (!right) {
-        app::finding(what);
-    }
-}
+using app::check;
 
 Session::Session(Engine& engine, int width, int height, bool alwaysCapturePreview)
     : engine(engine), start(engine.recorder().position()), heard(start) {
@@ -34,11 +30,12 @@ Session::~Session() {
 void Session::load() {
     const auto from = engine.recorder().position();
     engine.plugin().WebView_loadHtml(instance, "<p>");
-    check(engine.recorder()
-              .waitFor([](const Record& record) { return record.method == "HandleLoadFinished"; }, from,
-                       patience)
-              .has_value(),
-          target + ": the page was not loaded");
+    waitForLoad(from);
+}
+
+void Session::waitForLoad(std::size_t from) {
+    const auto ended = [](const Record& record) { return record.method == "HandleLoadFinished"; };
+    check(engine.recorder().waitFor(ended, from, patience).has_value(), target + ": the page was not loaded");
 }
 
 std::string Session::evaluate(const std::string& script) const {

@@ -6,9 +6,6 @@
 #include "Engine.h"
 #include "World.h"
 
-/// Notes a finding unless the condition holds.
-void check(bool right, const std::string& what);
-
 /// Asks until it is true; false after some seconds.
 template <typename Condition>
 bool eventually(Condition condition) {
@@ -34,6 +31,8 @@ class Session {
     void destroy() { engine.plugin().WebView_destroy(instance); }
 
     void load();
+    /// Waits for the end of a load since a position of the recorder.
+    void waitForLoad(std::size_t from);
     /// A script's result, or "nothing".
     std::string evaluate(const std::string& script) const;
     /// One turn of the render thread.

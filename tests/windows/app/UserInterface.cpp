@@ -8,7 +8,8 @@ namespace {
 
 namespace core = winrt::Windows::ApplicationModel::Core;
 namespace ui = winrt::Windows::UI;
-using xaml::Media::VisualTreeHelper;
+using namespace winrt::Windows::Graphics::Display;
+using namespace winrt::Windows::UI::ViewManagement;
 
 struct OnUIThread {
     bool await_ready() const { return false; }
@@ -21,204 +22,143 @@ foundation::IAsyncAction dispatch(ui::Core::DispatchedHandler handler) {
     handler();
 }
 
-struct Dispatcher : Object {
-    Dispatcher() : Object(L"Windows.UI.Core.CoreDispatcher", Threads::any) {
-        static const auto table = Answers<Dispatcher, ui::Core::ICoreDispatcher>()
-                                      .on<[](Dispatcher&, std::int32_t, void* handler, void** action) {
-                                          out(action, dispatch(in<ui::Core::DispatchedHandler>(handler)));
-                                      }>(&Methods<ui::Core::ICoreDispatcher>::RunAsync);
-        add(table);
-    }
-};
-
-struct View : Object {
-    View() : Object(L"Windows.ApplicationModel.Core.CoreApplicationView", Threads::any) {
-        static const Answers<View, core::ICoreApplicationView> first;
-        static const auto second =
-            Answers<View, core::ICoreApplicationView2>().on<[](View&, void** dispatcher) {
-                out(dispatcher, create<ui::Core::CoreDispatcher, Dispatcher>());
-            }>(&Methods<core::ICoreApplicationView2>::get_Dispatcher);
-        add(first);
-        add(second);
-    }
-};
-
-struct Application : Object {
-    Application() : Object(L"Windows.ApplicationModel.Core.CoreApplication", Threads::any) {
-        static const auto table =
-            Answers<Application, core::ICoreImmersiveApplication>()
-                .on<[](Application&, void** view) { out(view, create<core::CoreApplicationView, View>()); }>(
-                    &Methods<core::ICoreImmersiveApplication>::get_MainView);
-        add(table);
-    }
-};
-
-/// The window's content: a panel, or something that has one inside.
-struct Panel : Object {
-    Panel() : Object(L"Windows.UI.Xaml.Controls.Panel") {
-        static const auto table = Answers<Panel, controls::IPanel>()
-                                      .on<[](Panel& self, void** children) { out(children, self.children); }>(
-                                          &Methods<controls::IPanel>::get_Children);
-        static const Answers<Panel, xaml::IUIElement> element;
-        static const Answers<Panel, xaml::IDependencyObject> object;
-        add(table);
-        add(element);
-        add(object);
+/// The window and its content: the panel, or a frame around it.
+struct Window : Object {
+    Window() : Object(L"Windows.UI.Xaml.Window") {
+        add([] {
+            using M = Methods<xaml::IWindow>;
+            return Answers<Window, xaml::IWindow>()
+                .on<[](Window& self) {
+                    Object& root = world().panelIsNested || !world().hasPanel ? self.frame : self.panel;
+                    return self.hasContent ? root.query(winrt::guid_of<xaml::IUIElement>()) : nullptr;
+                }>(&M::get_Content)
+                .on<[](Window& self, void* content) {
+                    self.hasContent = content != nullptr;
+                    world().note(self.hasContent ? L"content set" : L"content removed");
+                }>(&M::put_Content);
+        });
+        panel.add([] {
+            return Answers<Object, controls::IPanel>().on<[](Object&) { return window().children; }>(
+                &Methods<controls::IPanel>::get_Children);
+        });
+        panel.addBare<xaml::IUIElement, xaml::IDependencyObject>();
+        frame.addBare<xaml::IUIElement, xaml::IDependencyObject>();
     }
 
+    static Window& window() {
+        static auto& window = *new Window;
+        return window;
+    }
+
+    bool hasContent = true;
+    Object& panel = *new Object(L"Windows.UI.Xaml.Controls.Panel");
+    Object& frame = *new Object(L"Windows.UI.Xaml.Controls.Frame");
     foundation::Collections::IVector<xaml::UIElement> children =
         winrt::single_threaded_vector<xaml::UIElement>();
 };
 
-struct Frame : Object {
-    Frame() : Object(L"Windows.UI.Xaml.Controls.Frame") {
-        static const Answers<Frame, xaml::IUIElement> element;
-        static const Answers<Frame, xaml::IDependencyObject> object;
-        add(element);
-        add(object);
-    }
-};
-
-struct TreeHelper : Object {
-    TreeHelper() : Object(L"Windows.UI.Xaml.Media.VisualTreeHelper") {
-        using I = xaml::Media::IVisualTreeHelperStatics;
-        static const auto table =
-            Answers<TreeHelper, I>()
-                .on<[](TreeHelper&, void*, std::int32_t* count) { *count = world().hasPanel ? 1 : 0; }>(
-                    &Methods<I>::GetChildrenCount)
-                .on<[](TreeHelper&, void*, std::int32_t, void** child) {
-                    *child = appPanel().query(winrt::guid_of<xaml::IDependencyObject>());
-                }>(&Methods<I>::GetChild);
-        add(table);
-    }
-};
-
-struct Window : Object {
-    Window() : Object(L"Windows.UI.Xaml.Window") {
-        using I = xaml::IWindow;
-        static const auto table = Answers<Window, I>()
-                                      .on<[](Window& self, void** content) {
-                                          out(content, self.hasContent ? self.content() : nullptr);
-                                      }>(&Methods<I>::get_Content)
-                                      .on<[](Window& self, void* content) {
-                                          self.hasContent = content != nullptr;
-                                          world().note(self.hasContent ? L"content set" : L"content removed");
-                                      }>(&Methods<I>::put_Content);
-        add(table);
-    }
-
-    xaml::UIElement content() {
-        Object& root = world().panelIsNested || !world().hasPanel ? static_cast<Object&>(frame) : panel;
-        return {root.query(winrt::guid_of<xaml::IUIElement>()), winrt::take_ownership_from_abi};
-    }
-
-    bool hasContent = true;
-    Panel& panel = *new Panel;
-    Frame& frame = *new Frame;
-};
-
-Window& window() {
-    static auto& window = *new Window;
-    return window;
-}
-
-struct WindowClass : Object {
-    WindowClass() : Object(L"Window's factory") {
-        static const auto table =
-            Answers<WindowClass, xaml::IWindowStatics>()
-                .on<[](WindowClass&, void** current) { out(current, project<xaml::Window>(window())); }>(
-                    &Methods<xaml::IWindowStatics>::get_Current);
-        add(table);
-    }
-};
-
 struct Translation : Object {
     Translation() : Object(L"Windows.UI.Xaml.Media.TranslateTransform") {
-        using I = xaml::Media::ITranslateTransform;
-        static const auto table = Answers<Translation, I>()
-                                      .on<[](Translation&, double) {}>(&Methods<I>::put_X)
-                                      .on<[](Translation&, double) {}>(&Methods<I>::put_Y);
-        static const Answers<Translation, xaml::Media::ITransform> transform;
-        add(table);
-        add(transform);
+        add([] {
+            using M = Methods<xaml::Media::ITranslateTransform>;
+            return Answers<Translation, xaml::Media::ITranslateTransform>()
+                .on<&Translation::x>(&M::put_X)
+                .on<&Translation::y>(&M::put_Y);
+        });
+        addBare<xaml::Media::ITransform>();
     }
+
+    double x = 0;
+    double y = 0;
 };
 
-struct Display : Object {
-    Display() : Object(L"Windows.Graphics.Display.DisplayInformation") {
-        using namespace winrt::Windows::Graphics::Display;
-        static const auto statics =
-            Answers<Display, IDisplayInformationStatics>()
-                .on<[](Display& self, void** display) { out(display, project<DisplayInformation>(self)); }>(
-                    &Methods<IDisplayInformationStatics>::GetForCurrentView);
-        static const Answers<Display, IDisplayInformation> first;
-        static const auto second =
-            Answers<Display, IDisplayInformation2>()
-                .on<[](Display&, double* value) { *value = world().rawPixelsPerViewPixel; }>(
-                    &Methods<IDisplayInformation2>::get_RawPixelsPerViewPixel);
-        add(statics);
-        add(first);
-        add(second);
-    }
-};
+core::CoreApplicationView mainView(Object&) {
+    auto* const view = new Object(L"Windows.ApplicationModel.Core.CoreApplicationView", Object::Threads::any);
+    view->addBare<core::ICoreApplicationView>().add([] {
+        return Answers<Object, core::ICoreApplicationView2>().on<[](Object&) {
+            auto* const dispatcher = new Object(L"Windows.UI.Core.CoreDispatcher", Object::Threads::any);
+            dispatcher->add([] {
+                return Answers<Object, ui::Core::ICoreDispatcher>()
+                    .on<[](Object&, std::int32_t, const ui::Core::DispatchedHandler& handler) {
+                        return dispatch(handler);
+                    }>(&Methods<ui::Core::ICoreDispatcher>::RunAsync);
+            });
+            return adopt<ui::Core::CoreDispatcher>(dispatcher);
+        }>(&Methods<core::ICoreApplicationView2>::get_Dispatcher);
+    });
+    return adopt<core::CoreApplicationView>(view);
+}
 
-struct AppView : Object {
-    AppView() : Object(L"Windows.UI.ViewManagement.ApplicationView") {
-        using namespace ui::ViewManagement;
-        static const auto statics =
-            Answers<AppView, IApplicationViewStatics2>()
-                .on<[](AppView& self, void** view) { out(view, project<ApplicationView>(self)); }>(
-                    &Methods<IApplicationViewStatics2>::GetForCurrentView);
-        static const Answers<AppView, IApplicationView> first;
-        static const auto second =
-            Answers<AppView, IApplicationView2>()
-                .on<[](AppView&, foundation::Rect* bounds) { *bounds = world().visibleBounds; }>(
-                    &Methods<IApplicationView2>::get_VisibleBounds);
-        add(statics);
-        add(first);
-        add(second);
-    }
-};
+DisplayInformation display(Object&) {
+    auto* const object = new Object(L"Windows.Graphics.Display.DisplayInformation");
+    object->addBare<IDisplayInformation>().add([] {
+        return Answers<Object, IDisplayInformation2>()
+            .on<[](Object&) { return world().rawPixelsPerViewPixel.load(); }>(
+                &Methods<IDisplayInformation2>::get_RawPixelsPerViewPixel);
+    });
+    return adopt<DisplayInformation>(object);
+}
 
-struct Colors : Object {
-    Colors() : Object(L"Windows.UI.Colors", Threads::any) {
-        using I = ui::IColorsStatics;
-        using Color = winrt::impl::struct_Windows_UI_Color;
-        static const auto table =
-            Answers<Colors, I>()
-                .on<[](Colors&, Color* color) { *color = {0, 255, 255, 255}; }>(&Methods<I>::get_Transparent)
-                .on<[](Colors&, Color* color) { *color = {255, 255, 255, 255}; }>(&Methods<I>::get_White);
-        add(table);
-    }
-};
+ApplicationView applicationView(Object&) {
+    auto* const object = new Object(L"Windows.UI.ViewManagement.ApplicationView");
+    object->addBare<IApplicationView>().add([] {
+        return Answers<Object, IApplicationView2>().on<[](Object&) { return world().visibleBounds; }>(
+            &Methods<IApplicationView2>::get_VisibleBounds);
+    });
+    return adopt<ApplicationView>(object);
+}
+
+using Color = winrt::impl::struct_Windows_UI_Color;
 
 }  // namespace
 
 Object& appPanel() {
-    return window().panel;
+    return Window::window().panel;
 }
 
 void restoreWindow() {
-    window().hasContent = true;
-    window().panel.children.Clear();
+    Window::window().hasContent = true;
+    Window::window().children.Clear();
 }
 
-Object* makeWebViewFactory();
-MakeObject contentFactoryOf(const std::wstring& className);
-
-MakeObject factoryOf(const std::wstring& className) {
-    static const std::map<std::wstring, MakeObject> factories = {
-        {L"Windows.ApplicationModel.Core.CoreApplication", make<Application>},
-        {L"Windows.Graphics.Display.DisplayInformation", make<Display>},
-        {L"Windows.UI.Colors", make<Colors>},
-        {L"Windows.UI.ViewManagement.ApplicationView", make<AppView>},
-        {L"Windows.UI.Xaml.Controls.WebView", makeWebViewFactory},
-        {L"Windows.UI.Xaml.Media.TranslateTransform", make<Factory<Translation>>},
-        {L"Windows.UI.Xaml.Media.VisualTreeHelper", make<TreeHelper>},
-        {L"Windows.UI.Xaml.Window", make<WindowClass>},
+Factories userInterface() {
+    return {
+        {L"Windows.ApplicationModel.Core.CoreApplication", statics([] {
+             using I = core::ICoreImmersiveApplication;
+             return Answers<Object, I>().on<[](Object& self) { return mainView(self); }>(
+                 &Methods<I>::get_MainView);
+         })},
+        {L"Windows.Graphics.Display.DisplayInformation", statics([] {
+             using I = IDisplayInformationStatics;
+             return Answers<Object, I>().on<[](Object& self) { return display(self); }>(
+                 &Methods<I>::GetForCurrentView);
+         })},
+        {L"Windows.UI.Colors", statics([] {
+             using I = ui::IColorsStatics;
+             return Answers<Object, I>()
+                 .on<[](Object&) { return Color{0, 255, 255, 255}; }>(&Methods<I>::get_Transparent)
+                 .on<[](Object&) { return Color{255, 255, 255, 255}; }>(&Methods<I>::get_White);
+         })},
+        {L"Windows.UI.ViewManagement.ApplicationView", statics([] {
+             using I = IApplicationViewStatics2;
+             return Answers<Object, I>().on<[](Object& self) { return applicationView(self); }>(
+                 &Methods<I>::GetForCurrentView);
+         })},
+        {L"Windows.UI.Xaml.Media.TranslateTransform", factory<Translation>()},
+        {L"Windows.UI.Xaml.Media.VisualTreeHelper", statics([] {
+             using I = xaml::Media::IVisualTreeHelperStatics;
+             return Answers<Object, I>()
+                 .on<[](Object&, void*) { return world().hasPanel ? 1 : 0; }>(&Methods<I>::GetChildrenCount)
+                 .on<[](Object&, void*, std::int32_t) {
+                     return appPanel().query(winrt::guid_of<xaml::IDependencyObject>());
+                 }>(&Methods<I>::GetChild);
+         })},
+        {L"Windows.UI.Xaml.Window", statics([] {
+             using I = xaml::IWindowStatics;
+             return Answers<Object, I>().on<[](Object&) { return project<xaml::Window>(Window::window()); }>(
+                 &Methods<I>::get_Current);
+         })},
     };
-    const auto found = factories.find(className);
-    return found == factories.end() ? contentFactoryOf(className) : found->second;
 }
 
 }  // namespace app

@@ -1,64 +1,46 @@
 // Cookies, requests and JSON.
 
 #include <algorithm>
+#include <cwctype>
 
 #include "World.h"
 
 namespace app {
 
-MakeObject webFactoryOf(const std::wstring& className);
-
 namespace {
 
-using Strings = std::wstring_view;
+using winrt::hstring;
 
 struct Cookie : Object {
-    Cookie(winrt::hstring name, winrt::hstring domain, winrt::hstring path)
+    Cookie(hstring name, hstring domain, hstring path)
         : Object(L"Windows.Web.Http.HttpCookie", Threads::any),
           name(std::move(name)),
           domain(std::move(domain)),
           path(std::move(path)) {
-        using I = http::IHttpCookie;
-        static const auto table =
-            Answers<Cookie, I>()
-                .on<[](Cookie& self, void** value) { out(value, self.name); }>(&Methods<I>::get_Name)
-                .on<[](Cookie& self, void** value) { out(value, self.value); }>(&Methods<I>::get_Value)
-                .on<[](Cookie& self, void** value) { out(value, self.domain); }>(&Methods<I>::get_Domain)
-                .on<[](Cookie& self, void** value) { out(value, self.path); }>(&Methods<I>::get_Path)
-                .on<[](Cookie& self, void** value) { out(value, self.expires); }>(&Methods<I>::get_Expires)
-                .on<[](Cookie& self, bool* value) { *value = self.httpOnly; }>(&Methods<I>::get_HttpOnly)
-                .on<[](Cookie& self, bool* value) { *value = self.secure; }>(&Methods<I>::get_Secure)
-                .on<[](Cookie& self, void* value) { self.value = in<winrt::hstring>(value); }>(
-                    &Methods<I>::put_Value)
-                .on<[](Cookie& self, void* value) {
-                    self.expires = in<foundation::IReference<foundation::DateTime>>(value);
-                }>(&Methods<I>::put_Expires)
-                .on<[](Cookie& self, bool value) { self.httpOnly = value; }>(&Methods<I>::put_HttpOnly)
-                .on<[](Cookie& self, bool value) { self.secure = value; }>(&Methods<I>::put_Secure);
-        add(table);
+        add([] {
+            using M = Methods<http::IHttpCookie>;
+            return Answers<Cookie, http::IHttpCookie>()
+                .on<&Cookie::name>(&M::get_Name)
+                .on<&Cookie::value>(&M::get_Value)
+                .on<&Cookie::domain>(&M::get_Domain)
+                .on<&Cookie::path>(&M::get_Path)
+                .on<&Cookie::expires>(&M::get_Expires)
+                .on<&Cookie::httpOnly>(&M::get_HttpOnly)
+                .on<&Cookie::secure>(&M::get_Secure)
+                .on<&Cookie::value>(&M::put_Value)
+                .on<&Cookie::expires>(&M::put_Expires)
+                .on<&Cookie::httpOnly>(&M::put_HttpOnly)
+                .on<&Cookie::secure>(&M::put_Secure);
+        });
     }
 
-    winrt::hstring name;
-    winrt::hstring domain;
-    winrt::hstring path;
-    winrt::hstring value;
+    hstring name;
+    hstring domain;
+    hstring path;
+    hstring value;
     foundation::IReference<foundation::DateTime> expires;
     bool httpOnly = false;
     bool secure = false;
-};
-
-struct CookieClass : Object {
-    CookieClass() : Object(L"HttpCookie's factory", Threads::any) {
-        using I = http::IHttpCookieFactory;
-        static const auto table =
-            Answers<CookieClass, I>()
-                .on<[](CookieClass&, void* name, void* domain, void* path, void** cookie) {
-                    out(cookie,
-                        create<http::HttpCookie, Cookie>(in<winrt::hstring>(name), in<winrt::hstring>(domain),
-                                                         in<winrt::hstring>(path)));
-                }>(&Methods<I>::Create);
-        add(table);
-    }
 };
 
 /// A time as an object.
@@ -66,26 +48,10 @@ struct Time : Object {
     explicit Time(std::int64_t ticks)
         : Object(L"Windows.Foundation.IReference`1", Threads::any), ticks(ticks) {
         using I = foundation::IReference<foundation::DateTime>;
-        static const auto table =
-            Answers<Time, I>().on<[](Time& self, std::int64_t* value) { *value = self.ticks; }>(
-                &Methods<I>::get_Value);
-        add(table);
+        add([] { return Answers<Time, I>().on<&Time::ticks>(&Methods<I>::get_Value); });
     }
 
-    const std::int64_t ticks;
-};
-
-struct PropertyValueClass : Object {
-    PropertyValueClass() : Object(L"PropertyValue's statics", Threads::any) {
-        using I = foundation::IPropertyValueStatics;
-        static const auto table =
-            Answers<PropertyValueClass, I>().on<[](PropertyValueClass&, std::int64_t ticks, void** value) {
-                auto* const time = new Time(ticks);
-                *value = time->query(winrt::guid_of<foundation::IInspectable>());
-                time->release();
-            }>(&Methods<I>::CreateDateTime);
-        add(table);
-    }
+    std::int64_t ticks;
 };
 
 /// The filter and its cookie manager, whose cookies all filters share.
@@ -93,35 +59,35 @@ struct Filter : Object {
     Filter() : Object(L"Windows.Web.Http.Filters.HttpBaseProtocolFilter", Threads::any) {
         using I = http::Filters::IHttpBaseProtocolFilter;
         using Manager = http::IHttpCookieManager;
-        static const auto table = Answers<Filter, I>().on<[](Filter& self, void** manager) {
-            out(manager, project<http::HttpCookieManager>(self));
-        }>(&Methods<I>::get_CookieManager);
-        static const auto manager =
-            Answers<Filter, Manager>()
-                .on<[](Filter&, void* cookie, bool* replaced) {
-                    remove(in<http::HttpCookie>(cookie));
-                    cookies.push_back(in<http::HttpCookie>(cookie));
-                    *replaced = false;
+        add([] {
+            return Answers<Filter, I>()
+                .on<[](Filter& self) { return project<http::HttpCookieManager>(self); }>(
+                    &Methods<I>::get_CookieManager);
+        });
+        add([] {
+            return Answers<Filter, Manager>()
+                .on<[](Filter&, const http::HttpCookie& cookie) {
+                    remove(cookie);
+                    cookies.push_back(cookie);
+                    return false;
                 }>(&Methods<Manager>::SetCookie)
-                .on<[](Filter&, void* cookie) { remove(in<http::HttpCookie>(cookie)); }>(
+                .on<[](Filter&, const http::HttpCookie& cookie) { remove(cookie); }>(
                     &Methods<Manager>::DeleteCookie)
-                .on<[](Filter&, void* uri, void** found) {
-                    const std::wstring url(in<foundation::Uri>(uri).AbsoluteUri());
+                .on<[](Filter&, const foundation::Uri& uri) {
                     auto matching = winrt::single_threaded_vector<http::HttpCookie>();
                     for (const auto& cookie : cookies) {
-                        if (url.find(cookie.Domain()) != std::wstring::npos) {
+                        if (textOf(uri).find(behind<Cookie>(cookie).domain) != std::wstring::npos) {
                             matching.Append(cookie);
                         }
                     }
-                    out(found, matching.GetView());
+                    return matching.GetView();
                 }>(&Methods<Manager>::GetCookies);
-        add(table);
-        add(manager);
+        });
     }
 
     static void remove(const http::HttpCookie& cookie) {
         std::erase_if(cookies, [&](const auto& other) {
-            return other.Name() == cookie.Name() && other.Domain() == cookie.Domain();
+            return behind<Cookie>(other).name == behind<Cookie>(cookie).name;
         });
     }
 
@@ -134,93 +100,65 @@ struct Request : Object {
         : Object(L"Windows.Web.Http.HttpRequestMessage", Threads::any), uri(std::move(uri)) {
         using I = http::IHttpRequestMessage;
         using Headers = http::Headers::IHttpRequestHeaderCollection;
-        static const auto table =
-            Answers<Request, I>()
-                .on<[](Request& self, void** uri) { out(uri, self.uri); }>(&Methods<I>::get_RequestUri)
-                .on<[](Request& self, void** headers) {
-                    out(headers, project<http::Headers::HttpRequestHeaderCollection>(self));
-                }>(&Methods<I>::get_Headers);
-        static const auto headers =
-            Answers<Request, Headers>().on<[](Request&, void* name, void* value, bool* accepted) {
-                const std::wstring text(in<winrt::hstring>(name));
-                *accepted = !text.empty() && text.find(L' ') == std::wstring::npos;
-                if (*accepted) {
-                    world().note(L"header " + text + L"=" + std::wstring(in<winrt::hstring>(value)));
-                }
+        add([] {
+            return Answers<Request, I>().on<&Request::uri>(&Methods<I>::get_RequestUri).on<[](Request& self) {
+                return project<http::Headers::HttpRequestHeaderCollection>(self);
+            }>(&Methods<I>::get_Headers);
+        });
+        add([] {
+            return Answers<Request, Headers>().on<[](Request&, const hstring& name, const hstring& value) {
+                world().note(std::wstring(L"header " + name + L"=" + value));
+                return std::ranges::find(name, L' ') == name.end();
             }>(&Methods<Headers>::TryAppendWithoutValidation);
-        add(table);
-        add(headers);
+        });
     }
 
     foundation::Uri uri;
 };
 
-struct RequestClass : Object {
-    RequestClass() : Object(L"HttpRequestMessage's factory", Threads::any) {
-        using I = http::IHttpRequestMessageFactory;
-        static const auto table =
-            Answers<RequestClass, I>().on<[](RequestClass&, void*, void* uri, void** request) {
-                out(request, create<http::HttpRequestMessage, Request>(in<foundation::Uri>(uri)));
-            }>(&Methods<I>::Create);
-        add(table);
-    }
-};
-
-struct Get : Object {
-    Get() : Object(L"Windows.Web.Http.HttpMethod", Threads::any) {
-        using I = http::IHttpMethodStatics;
-        static const auto statics =
-            Answers<Get, I>()
-                .on<[](Get& self, void** method) { out(method, project<http::HttpMethod>(self)); }>(
-                    &Methods<I>::get_Get);
-        static const Answers<Get, http::IHttpMethod> table;
-        add(statics);
-        add(table);
-    }
-};
+http::HttpMethod getMethod() {
+    auto* const method = new Object(L"Windows.Web.Http.HttpMethod", Object::Threads::any);
+    method->addBare<http::IHttpMethod>();
+    return adopt<http::HttpMethod>(method);
+}
 
 using json::JsonValueType;
 
 /// Any JSON value.
 struct Json : Object {
-    explicit Json(JsonValueType type = JsonValueType::Object)
-        : Object(L"Windows.Data.Json", Threads::any), type(type) {
-        using Value = json::IJsonValue;
-        using Map = foundation::Collections::IMap<winrt::hstring, json::IJsonValue>;
+    explicit Json(JsonValueType type = JsonValueType::Object, hstring text = {}, double number = 0)
+        : Object(L"Windows.Data.Json", Threads::any), type(type), text(std::move(text)), number(number) {
+        using Map = foundation::Collections::IMap<hstring, json::IJsonValue>;
         using Vector = foundation::Collections::IVector<json::IJsonValue>;
-        static const auto value =
-            Answers<Json, Value>()
-                .on<[](Json& self, std::int32_t* type) { *type = static_cast<std::int32_t>(self.type); }>(
-                    &Methods<Value>::get_ValueType)
-                .on<[](Json& self, void** text) { out(text, self.stringify()); }>(&Methods<Value>::Stringify)
-                .on<[](Json& self, void** text) { out(text, self.as(JsonValueType::String).text); }>(
-                    &Methods<Value>::GetString)
-                .on<[](Json& self, double* number) { *number = self.as(JsonValueType::Number).number; }>(
-                    &Methods<Value>::GetNumber)
-                .on<[](Json& self, bool* flag) { *flag = self.as(JsonValueType::Boolean).number != 0; }>(
-                    &Methods<Value>::GetBoolean);
-        static const auto object =
-            Answers<Json, json::IJsonObject>().on<[](Json& self, void* name, void** value) {
-                out(value, self.find(in<winrt::hstring>(name))->second.as<json::JsonValue>());
+        add([] {
+            using M = Methods<json::IJsonValue>;
+            return Answers<Json, json::IJsonValue>()
+                .on<&Json::type>(&M::get_ValueType)
+                .on<[](Json& self) { return self.stringify(); }>(&M::Stringify)
+                .on<[](Json& self) { return self.as(JsonValueType::String).text; }>(&M::GetString)
+                .on<[](Json& self) { return self.as(JsonValueType::Number).number; }>(&M::GetNumber)
+                .on<[](Json& self) { return self.as(JsonValueType::Boolean).number != 0; }>(&M::GetBoolean);
+        });
+        add([] {
+            return Answers<Json, json::IJsonObject>().on<[](Json& self, const hstring& name) {
+                return self.find(name)->second.as<json::JsonValue>();
             }>(&Methods<json::IJsonObject>::GetNamedValue);
-        static const auto map =
-            Answers<Json, Map>()
-                .on<[](Json& self, void* name, bool* has) {
-                    *has = self.find(in<winrt::hstring>(name)) != self.members.end();
-                }>(&Methods<Map>::HasKey)
-                .on<[](Json& self, void* name, void* value, bool* replaced) {
-                    self.members.emplace_back(in<winrt::hstring>(name), in<json::IJsonValue>(value));
-                    *replaced = false;
+        });
+        add([] {
+            return Answers<Json, Map>()
+                .on<[](Json& self, const hstring& name) { return self.find(name) != self.members.end(); }>(
+                    &Methods<Map>::HasKey)
+                .on<[](Json& self, const hstring& name, const json::IJsonValue& value) {
+                    self.members.emplace_back(name, value);
+                    return false;
                 }>(&Methods<Map>::Insert);
-        static const Answers<Json, json::IJsonArray> array;
-        static const auto vector = Answers<Json, Vector>().on<[](Json& self, void* value) {
-            self.members.emplace_back(L"", in<json::IJsonValue>(value));
-        }>(&Methods<Vector>::Append);
-        add(value);
-        add(object);
-        add(map);
-        add(array);
-        add(vector);
+        });
+        add([] {
+            return Answers<Json, Vector>()
+                .on<[](Json& self, const json::IJsonValue& value) { self.members.emplace_back(L"", value); }>(
+                    &Methods<Vector>::Append);
+        });
+        addBare<json::IJsonArray>();
     }
 
     Json& as(JsonValueType wanted) {
@@ -230,144 +168,141 @@ struct Json : Object {
         return *this;
     }
 
-    std::vector<std::pair<winrt::hstring, json::IJsonValue>>::iterator find(const winrt::hstring& name) {
+    std::vector<std::pair<hstring, json::IJsonValue>>::iterator find(const hstring& name) {
         return std::ranges::find(members, name, [](const auto& member) { return member.first; });
     }
 
-    winrt::hstring stringify() {
-        if (type == JsonValueType::String) {
-            return L"\"" + text + L"\"";
-        }
-        if (type == JsonValueType::Number) {
-            return winrt::to_hstring(static_cast<std::int64_t>(number));
-        }
-        if (type == JsonValueType::Boolean) {
-            return number != 0 ? L"true" : L"false";
-        }
-        if (type == JsonValueType::Null) {
-            return L"null";
+    hstring stringify() {
+        switch (type) {
+            case JsonValueType::Null:
+                return L"null";
+            case JsonValueType::Boolean:
+                return number != 0 ? L"true" : L"false";
+            case JsonValueType::Number:
+                return winrt::to_hstring(static_cast<std::int64_t>(number));
+            case JsonValueType::String:
+                return L"\"" + text + L"\"";
+            default:
+                break;
         }
         const bool isObject = type == JsonValueType::Object;
-        std::wstring all(1, isObject ? L'{' : L'[');
+        std::wstring all;
         for (const auto& [name, member] : members) {
-            all += all.size() > 1 ? L"," : L"";
-            all += isObject ? L"\"" + name + L"\":" : L"";
-            all += member.Stringify();
+            all += (all.empty() ? L"" : L",") + (isObject ? L"\"" + name + L"\":" : L"") + member.Stringify();
         }
-        return winrt::hstring(all + (isObject ? L'}' : L']'));
+        return isObject ? L"{" + hstring(all) + L"}" : L"[" + hstring(all) + L"]";
     }
 
     JsonValueType type;
-    winrt::hstring text;
-    double number = 0;
-    std::vector<std::pair<winrt::hstring, json::IJsonValue>> members;
+    hstring text;
+    double number;
+    std::vector<std::pair<hstring, json::IJsonValue>> members;
 };
 
 struct JsonArray : Json {
     JsonArray() : Json(JsonValueType::Array) {}
 };
 
-template <typename Set>
-json::JsonValue jsonValue(JsonValueType type, Set set) {
-    auto value = create<json::JsonValue, Json>(type);
-    set(behind<Json>(value));
-    return value;
+json::JsonValue jsonValue(JsonValueType type, const hstring& text, double number = 0) {
+    return create<json::JsonValue, Json>(type, text, number);
 }
 
-/// Flat objects only, without escapes in their texts.
-json::JsonObject parse(std::wstring text) {
-    const winrt::hresult_error invalid(static_cast<HRESULT>(0x83750007));
+/// Flat objects only, without blanks or escapes.
+json::JsonObject parse(const std::wstring& text) {
     auto object = create<json::JsonObject, Json>();
     std::size_t at = 0;
-    const auto token = [&] {
-        at = text.find_first_not_of(L" \n", at);
-        if (at == std::wstring::npos) {
-            throw invalid;
-        }
-        const std::size_t start = at;
-        if (text[at] == L'"') {
-            at = text.find(L'"', at + 1);
-            at = at == std::wstring::npos ? at : at + 1;
-        } else if (Strings(L"{}:,").find(text[at]) != Strings::npos) {
-            ++at;
-        } else {
-            at = text.find_first_of(L"{}:, \n", at);
-        }
-        return text.substr(start, at - start);
-    };
-    const auto expect = [&](bool right) {
+    const auto require = [](bool right) {
         if (!right) {
-            throw invalid;
+            throw winrt::hresult_error(static_cast<HRESULT>(0x83750007));
         }
     };
-    expect(token() == L"{");
-    for (std::wstring name = token(); name != L"}"; name = token()) {
-        name = name == L"," ? token() : name;
-        expect(name.front() == L'"' && token() == L":");
-        const std::wstring word = token();
-        const auto type = word.front() == L'"'                  ? JsonValueType::String
-                          : word == L"null"                     ? JsonValueType::Null
-                          : word == L"true" || word == L"false" ? JsonValueType::Boolean
-                                                                : JsonValueType::Number;
-        expect(type != JsonValueType::Number || std::iswdigit(word.front()));
-        object.Insert(winrt::hstring(name.substr(1, name.size() - 2)), jsonValue(type, [&](Json& value) {
-                          value.text = type == JsonValueType::String ? word.substr(1, word.size() - 2) : L"";
-                          value.number = type == JsonValueType::Number ? std::stod(word) : word == L"true";
-                      }));
-    }
+    const auto word = [&] {
+        const bool quoted = at < text.size() && text[at] == L'"';
+        const auto end = quoted ? text.find(L'"', at + 1) + 1 : text.find_first_of(L":,}", at);
+        require(end != 0 && end != std::wstring::npos);
+        const std::size_t start = std::exchange(at, end);
+        return text.substr(start, end - start);
+    };
+    const auto value = [&] {
+        const std::wstring token = word();
+        if (token == L"null") {
+            return jsonValue(JsonValueType::Null, L"");
+        }
+        if (token == L"true" || token == L"false") {
+            return jsonValue(JsonValueType::Boolean, L"", token == L"true");
+        }
+        if (token.front() == L'"') {
+            return jsonValue(JsonValueType::String, hstring(token.substr(1, token.size() - 2)));
+        }
+        require(std::iswdigit(token.front()));
+        return jsonValue(JsonValueType::Number, L"", std::stod(token));
+    };
+    require(text.starts_with(L"{"));
+    do {
+        ++at;
+        const std::wstring name = word();
+        require(text[at++] == L':');
+        object.Insert(hstring(name.substr(1, name.size() - 2)), value());
+    } while (at < text.size() && text[at] == L',');
     return object;
 }
 
-struct JsonValueClass : Object {
-    JsonValueClass() : Object(L"JsonValue's statics", Threads::any) {
-        using I = json::IJsonValueStatics;
-        static const auto table =
-            Answers<JsonValueClass, I>()
-                .on<[](JsonValueClass&, void* text, void** value) {
-                    out(value, jsonValue(JsonValueType::String,
-                                         [&](Json& made) { made.text = in<winrt::hstring>(text); }));
-                }>(&Methods<I>::CreateStringValue)
-                .on<[](JsonValueClass&, double number, void** value) {
-                    out(value, jsonValue(JsonValueType::Number, [&](Json& made) { made.number = number; }));
-                }>(&Methods<I>::CreateNumberValue)
-                .on<[](JsonValueClass&, bool flag, void** value) {
-                    out(value, jsonValue(JsonValueType::Boolean, [&](Json& made) { made.number = flag; }));
-                }>(&Methods<I>::CreateBooleanValue);
-        static const auto null =
-            Answers<JsonValueClass, json::IJsonValueStatics2>().on<[](JsonValueClass&, void** value) {
-                out(value, jsonValue(JsonValueType::Null, [](Json&) {}));
-            }>(&Methods<json::IJsonValueStatics2>::CreateNullValue);
-        add(table);
-        add(null);
-    }
-};
-
-struct JsonObjectClass : Factory<Json> {
-    JsonObjectClass() {
-        using I = json::IJsonObjectStatics;
-        static const auto table =
-            Answers<JsonObjectClass, I>().on<[](JsonObjectClass&, void* text, void** object) {
-                out(object, parse(std::wstring(in<winrt::hstring>(text))));
-            }>(&Methods<I>::Parse);
-        add(table);
-    }
-};
-
 }  // namespace
 
-MakeObject webFactoryOf(const std::wstring& className) {
-    static const std::map<std::wstring, MakeObject> factories = {
-        {L"Windows.Data.Json.JsonArray", make<Factory<JsonArray>>},
-        {L"Windows.Data.Json.JsonObject", make<JsonObjectClass>},
-        {L"Windows.Data.Json.JsonValue", make<JsonValueClass>},
-        {L"Windows.Foundation.PropertyValue", make<PropertyValueClass>},
-        {L"Windows.Web.Http.Filters.HttpBaseProtocolFilter", make<Factory<Filter>>},
-        {L"Windows.Web.Http.HttpCookie", make<CookieClass>},
-        {L"Windows.Web.Http.HttpMethod", make<Get>},
-        {L"Windows.Web.Http.HttpRequestMessage", make<RequestClass>},
+Factories web() {
+    return {
+        {L"Windows.Data.Json.JsonArray", factory<JsonArray>()},
+        {L"Windows.Data.Json.JsonObject",
+         statics(activation<Json>,
+                 [] {
+                     using I = json::IJsonObjectStatics;
+                     return Answers<Object, I>()
+                         .on<[](Object&, const hstring& text) { return parse(std::wstring(text)); }>(
+                             &Methods<I>::Parse);
+                 })},
+        {L"Windows.Data.Json.JsonValue",
+         statics(
+             [] {
+                 using I = json::IJsonValueStatics;
+                 return Answers<Object, I>()
+                     .on<[](Object&, const hstring& text) { return jsonValue(JsonValueType::String, text); }>(
+                         &Methods<I>::CreateStringValue)
+                     .on<[](Object&, double number) {
+                         return jsonValue(JsonValueType::Number, L"", number);
+                     }>(&Methods<I>::CreateNumberValue)
+                     .on<[](Object&, bool flag) { return jsonValue(JsonValueType::Boolean, L"", flag); }>(
+                         &Methods<I>::CreateBooleanValue);
+             },
+             [] {
+                 using I = json::IJsonValueStatics2;
+                 return Answers<Object, I>().on<[](Object&) { return jsonValue(JsonValueType::Null, L""); }>(
+                     &Methods<I>::CreateNullValue);
+             })},
+        {L"Windows.Foundation.PropertyValue", statics([] {
+             using I = foundation::IPropertyValueStatics;
+             return Answers<Object, I>().on<[](Object&, std::int64_t ticks) {
+                 return create<foundation::IReference<foundation::DateTime>, Time>(ticks);
+             }>(&Methods<I>::CreateDateTime);
+         })},
+        {L"Windows.Web.Http.Filters.HttpBaseProtocolFilter", factory<Filter>()},
+        {L"Windows.Web.Http.HttpCookie", statics([] {
+             using I = http::IHttpCookieFactory;
+             return Answers<Object, I>()
+                 .on<[](Object&, const hstring& name, const hstring& domain, const hstring& path) {
+                     return create<http::HttpCookie, Cookie>(name, domain, path);
+                 }>(&Methods<I>::Create);
+         })},
+        {L"Windows.Web.Http.HttpMethod", statics([] {
+             using I = http::IHttpMethodStatics;
+             return Answers<Object, I>().on<[](Object&) { return getMethod(); }>(&Methods<I>::get_Get);
+         })},
+        {L"Windows.Web.Http.HttpRequestMessage", statics([] {
+             using I = http::IHttpRequestMessageFactory;
+             return Answers<Object, I>().on<[](Object&, void*, const foundation::Uri& uri) {
+                 return create<http::HttpRequestMessage, Request>(uri);
+             }>(&Methods<I>::Create);
+         })},
     };
-    const auto found = factories.find(className);
-    return found == factories.end() ? nullptr : found->second;
 }
 
 }  // namespace app

@@ -4,45 +4,36 @@
 
 namespace app {
 
-Object* makeWebViewFactory();
-
 namespace {
 
 using winrt::Windows::Web::IUriToStreamResolver;
 using winrt::Windows::Web::WebErrorStatus;
 using winrt::ZarvikWebViewRuntimeComponent::IJavaScriptBridge;
 
-/// What the arguments of all navigation events have.
+/// The arguments of any event of a navigation.
 struct Arguments : Object {
     explicit Arguments(foundation::Uri uri, WebErrorStatus status = WebErrorStatus::Unknown)
         : Object(L"event arguments"), uri(std::move(uri)), status(status) {
         using Starting = controls::IWebViewNavigationStartingEventArgs;
         using Completed = controls::IWebViewNavigationCompletedEventArgs;
         using NewWindow = controls::IWebViewNewWindowRequestedEventArgs;
-        static const auto starting =
-            Answers<Arguments, Starting>()
-                .on<[](Arguments& self, void** uri) { out(uri, self.uri); }>(&Methods<Starting>::get_Uri)
-                .on<[](Arguments& self, bool value) { self.cancelled = value; }>(
-                    &Methods<Starting>::put_Cancel);
-        static const Answers<Arguments, controls::IWebViewContentLoadingEventArgs> loading;
-        static const Answers<Arguments, controls::IWebViewDOMContentLoadedEventArgs> loaded;
-        static const auto completed =
-            Answers<Arguments, Completed>()
-                .on<[](Arguments& self, bool* value) { *value = self.status == WebErrorStatus::Unknown; }>(
+        add([] {
+            return Answers<Arguments, Starting>()
+                .on<&Arguments::uri>(&Methods<Starting>::get_Uri)
+                .on<&Arguments::cancelled>(&Methods<Starting>::put_Cancel);
+        });
+        add([] {
+            return Answers<Arguments, Completed>()
+                .on<[](Arguments& self) { return self.status == WebErrorStatus::Unknown; }>(
                     &Methods<Completed>::get_IsSuccess)
-                .on<[](Arguments& self, std::int32_t* value) {
-                    *value = static_cast<std::int32_t>(self.status);
-                }>(&Methods<Completed>::get_WebErrorStatus);
-        static const auto newWindow =
-            Answers<Arguments, NewWindow>()
-                .on<[](Arguments& self, void** uri) { out(uri, self.uri); }>(&Methods<NewWindow>::get_Uri)
-                .on<[](Arguments& self, bool value) { self.handled = value; }>(
-                    &Methods<NewWindow>::put_Handled);
-        add(starting);
-        add(loading);
-        add(loaded);
-        add(completed);
-        add(newWindow);
+                .on<&Arguments::status>(&Methods<Completed>::get_WebErrorStatus);
+        });
+        add([] {
+            return Answers<Arguments, NewWindow>()
+                .on<&Arguments::uri>(&Methods<NewWindow>::get_Uri)
+                .on<&Arguments::handled>(&Methods<NewWindow>::put_Handled);
+        });
+        addBare<controls::IWebViewContentLoadingEventArgs, controls::IWebViewDOMContentLoadedEventArgs>();
     }
 
     foundation::Uri uri;
@@ -55,17 +46,17 @@ struct Permission : Object {
     explicit Permission(controls::WebViewPermissionType type) : Object(L"permission request"), type(type) {
         using Asked = controls::IWebViewPermissionRequestedEventArgs;
         using I = controls::IWebViewPermissionRequest;
-        static const auto asked = Answers<Permission, Asked>().on<[](Permission& self, void** request) {
-            out(request, project<controls::WebViewPermissionRequest>(self));
-        }>(&Methods<Asked>::get_PermissionRequest);
-        static const auto request = Answers<Permission, I>()
-                                        .on<[](Permission& self, std::int32_t* type) {
-                                            *type = static_cast<std::int32_t>(self.type);
-                                        }>(&Methods<I>::get_PermissionType)
-                                        .on<[](Permission&) { world().note(L"allowed"); }>(&Methods<I>::Allow)
-                                        .on<[](Permission&) { world().note(L"denied"); }>(&Methods<I>::Deny);
-        add(asked);
-        add(request);
+        add([] {
+            return Answers<Permission, Asked>()
+                .on<[](Permission& self) { return project<controls::WebViewPermissionRequest>(self); }>(
+                    &Methods<Asked>::get_PermissionRequest);
+        });
+        add([] {
+            return Answers<Permission, I>()
+                .on<&Permission::type>(&Methods<I>::get_PermissionType)
+                .on<[](Permission&) { world().note(L"allowed"); }>(&Methods<I>::Allow)
+                .on<[](Permission&) { world().note(L"denied"); }>(&Methods<I>::Deny);
+        });
     }
 
     controls::WebViewPermissionType type;
@@ -215,138 +206,113 @@ foundation::IAsyncOperation<winrt::hstring> WebView::invoke(std::wstring name, s
     co_return winrt::hstring(answer.result);
 }
 
+/// Lets an event's member take a handler.
+template <auto event>
+constexpr auto subscribe = [](WebView& self, void* handler) {
+    using Event = std::remove_reference_t<decltype(self.*event)>;
+    return (self.*event).add(reinterpret_cast<const typename Event::delegate_type&>(handler));
+};
+
 WebView::WebView() : Object(L"Windows.UI.Xaml.Controls.WebView") {
     using Navigation = controls::IWebView;
     using Content = controls::IWebView2;
     using Requests = controls::IWebView4;
-    using Element = xaml::IFrameworkElement;
-    using Visual = xaml::IUIElement;
-    static const auto navigation =
-        Answers<WebView, Navigation>()
-            .on<[](WebView& self, void** uri) { out(uri, self.source); }>(&Methods<Navigation>::get_Source)
-            .on<[](WebView& self, void* uri) { self.navigate(in<foundation::Uri>(uri)); }>(
-                &Methods<Navigation>::Navigate)
-            .on<[](WebView& self, void*) { self.navigate(nullptr); }>(&Methods<Navigation>::NavigateToString);
-    static const auto content =
-        Answers<WebView, Content>()
-            .on<[](WebView& self, void* handler, winrt::event_token* token) {
-                *token =
-                    self.starting.add(in<Handler<controls::WebViewNavigationStartingEventArgs>>(handler));
-            }>(&Methods<Content>::add_NavigationStarting)
-            .on<[](WebView& self, void* handler, winrt::event_token* token) {
-                *token =
-                    self.contentLoading.add(in<Handler<controls::WebViewContentLoadingEventArgs>>(handler));
-            }>(&Methods<Content>::add_ContentLoading)
-            .on<[](WebView& self, void* handler, winrt::event_token* token) {
-                *token = self.domContentLoaded.add(
-                    in<Handler<controls::WebViewDOMContentLoadedEventArgs>>(handler));
-            }>(&Methods<Content>::add_DOMContentLoaded)
-            .on<[](WebView& self, void* handler, winrt::event_token* token) {
-                *token =
-                    self.completed.add(in<Handler<controls::WebViewNavigationCompletedEventArgs>>(handler));
-            }>(&Methods<Content>::add_NavigationCompleted)
-            .on<[](WebView& self, bool* value) { *value = self.position > 0; }>(
-                &Methods<Content>::get_CanGoBack)
-            .on<[](WebView& self, bool* value) { *value = self.position + 1 < self.history.size(); }>(
-                &Methods<Content>::get_CanGoForward)
+    add([] {
+        using M = Methods<Navigation>;
+        return Answers<WebView, Navigation>()
+            .on<&WebView::source>(&M::get_Source)
+            .on<[](WebView& self, const foundation::Uri& uri) { self.navigate(uri); }>(&M::Navigate)
+            .on<[](WebView& self) { self.navigate(nullptr); }>(&M::NavigateToString);
+    });
+    add([] {
+        using M = Methods<Content>;
+        return Answers<WebView, Content>()
+            .on<subscribe<&WebView::starting>>(&M::add_NavigationStarting)
+            .on<subscribe<&WebView::contentLoading>>(&M::add_ContentLoading)
+            .on<subscribe<&WebView::domContentLoaded>>(&M::add_DOMContentLoaded)
+            .on<subscribe<&WebView::completed>>(&M::add_NavigationCompleted)
+            .on<[](WebView& self) { return self.position > 0; }>(&M::get_CanGoBack)
+            .on<[](WebView& self) { return self.position + 1 < self.history.size(); }>(&M::get_CanGoForward)
             .on<[](WebView& self) { self.navigate(self.history.at(self.position - 1), self.position - 1); }>(
-                &Methods<Content>::GoBack)
+                &M::GoBack)
             .on<[](WebView& self) { self.navigate(self.history.at(self.position + 1), self.position + 1); }>(
-                &Methods<Content>::GoForward)
-            .on<[](WebView& self) { self.navigate(self.source, self.position); }>(&Methods<Content>::Refresh)
+                &M::GoForward)
+            .on<[](WebView& self) { self.navigate(self.source, self.position); }>(&M::Refresh)
             .on<[](WebView& self) {
                 if (std::exchange(self.loading, false)) {
-                    const auto number = ++*self.navigations;
-                    self.later(number, [&self] { self.finish(WebErrorStatus::OperationCanceled, nullptr); });
+                    self.later(++*self.navigations,
+                               [&self] { self.finish(WebErrorStatus::OperationCanceled, nullptr); });
                 }
-            }>(&Methods<Content>::Stop)
-            .on<[](WebView& self, void* stream, void** result) {
-                const auto target = in<streams::IRandomAccessStream>(stream);
-                out(result, action([target, width = self.width, height = self.height] {
-                        const double scale = world().rawPixelsPerViewPixel;
-                        ++world().previews;
-                        writePicture(target, {static_cast<std::uint32_t>(width * scale),
-                                              static_cast<std::uint32_t>(height * scale), world().colour});
-                    }));
-            }>(&Methods<Content>::CapturePreviewToStreamAsync)
-            .on<[](WebView& self, void* name, void* arguments, void** result) {
-                const auto& texts = in<foundation::Collections::IIterable<winrt::hstring>>(arguments);
-                out(result, self.invoke(std::wstring(in<winrt::hstring>(name)), std::wstring(*begin(texts))));
-            }>(&Methods<Content>::InvokeScriptAsync)
-            .on<[](WebView& self, void* uri, void* resolver) {
-                self.navigate(in<foundation::Uri>(uri), {}, in<IUriToStreamResolver>(resolver));
-            }>(&Methods<Content>::NavigateToLocalStreamUri)
-            .on<[](WebView&, void* identifier, void* path, void** uri) {
-                std::wstring relative(in<winrt::hstring>(path));
+            }>(&M::Stop)
+            .on<[](WebView& self, const streams::IRandomAccessStream& stream) {
+                return action([stream, width = self.width, height = self.height] {
+                    ++world().previews;
+                    writePicture(stream, pictureOf(width, height));
+                });
+            }>(&M::CapturePreviewToStreamAsync)
+            .on<[](WebView& self, const winrt::hstring& name,
+                   const foundation::Collections::IIterable<winrt::hstring>& arguments) {
+                return self.invoke(std::wstring(name), std::wstring(*begin(arguments)));
+            }>(&M::InvokeScriptAsync)
+            .on<[](WebView& self, const foundation::Uri& uri, const IUriToStreamResolver& resolver) {
+                self.navigate(uri, {}, resolver);
+            }>(&M::NavigateToLocalStreamUri)
+            .on<[](WebView&, const winrt::hstring& identifier, const winrt::hstring& path) {
+                std::wstring relative(path);
                 relative.erase(0, relative.find_first_not_of(L'/'));
-                out(uri, uriOf(L"ms-local-stream://app_" + std::wstring(in<winrt::hstring>(identifier)) +
-                               L"/" + relative));
-            }>(&Methods<Content>::BuildLocalStreamUri)
+                return uriOf(L"ms-local-stream://app_" + std::wstring(identifier) + L"/" + relative);
+            }>(&M::BuildLocalStreamUri)
             .on<[](WebView&, winrt::impl::struct_Windows_UI_Color color) {
                 world().note(color.A ? L"opaque" : L"transparent");
-            }>(&Methods<Content>::put_DefaultBackgroundColor)
-            .on<[](WebView&, std::int32_t, bool* done) {
-                world().note(L"focus");
-                *done = true;
-            }>(&Methods<Content>::Focus)
-            .on<[](WebView& self, void* request) {
-                self.navigate(in<http::HttpRequestMessage>(request).RequestUri());
-            }>(&Methods<Content>::NavigateWithHttpRequestMessage);
-    static const auto requests =
-        Answers<WebView, Requests>()
-            .on<[](WebView& self, void* handler, winrt::event_token* token) {
-                *token =
-                    self.newWindow.add(in<Handler<controls::WebViewNewWindowRequestedEventArgs>>(handler));
-            }>(&Methods<Requests>::add_NewWindowRequested)
-            .on<[](WebView& self, void* handler, winrt::event_token* token) {
-                *token =
-                    self.permission.add(in<Handler<controls::WebViewPermissionRequestedEventArgs>>(handler));
-            }>(&Methods<Requests>::add_PermissionRequested)
-            .on<[](WebView& self, void* name, void* object) {
-                if (in<winrt::hstring>(name) == L"_zarvikBridge") {
-                    self.bridge = in<foundation::IInspectable>(object).as<IJavaScriptBridge>();
-                }
-            }>(&Methods<Requests>::AddWebAllowedObject);
-    static const auto element =
-        Answers<WebView, Element>()
-            .on<[](WebView& self, double value) { self.width = value; }>(&Methods<Element>::put_Width)
-            .on<[](WebView& self, double value) { self.height = value; }>(&Methods<Element>::put_Height)
-            .on<[](WebView& self, double* value) { *value = self.width; }>(&Methods<Element>::get_Width)
-            .on<[](WebView& self, double* value) { *value = self.height; }>(&Methods<Element>::get_Height)
-            .on<[](WebView&, std::int32_t) {}>(&Methods<Element>::put_HorizontalAlignment)
-            .on<[](WebView&, std::int32_t) {}>(&Methods<Element>::put_VerticalAlignment)
-            .on<[](WebView&, void** parent) {
-                *parent =
-                    world().hasPanel ? appPanel().query(winrt::guid_of<xaml::IDependencyObject>()) : nullptr;
-            }>(&Methods<Element>::get_Parent);
-    static const auto visual = Answers<WebView, Visual>()
-                                   .on<[](WebView&, void*) {}>(&Methods<Visual>::put_RenderTransform)
-                                   .on<[](WebView&, std::int32_t visibility) {
-                                       world().note(visibility ? L"collapsed" : L"visible");
-                                   }>(&Methods<Visual>::put_Visibility);
-    static const Answers<WebView, xaml::IDependencyObject> object;
-    for (const Table* table : {static_cast<const Table*>(&navigation), static_cast<const Table*>(&content),
-                               static_cast<const Table*>(&requests), static_cast<const Table*>(&element),
-                               static_cast<const Table*>(&visual), static_cast<const Table*>(&object)}) {
-        add(*table);
-    }
+            }>(&M::put_DefaultBackgroundColor)
+            .on<[](WebView&, std::int32_t) { return true; }>(&M::Focus)
+            .on<[](WebView& self, const http::HttpRequestMessage& request) {
+                self.navigate(request.RequestUri());
+            }>(&M::NavigateWithHttpRequestMessage);
+    });
+    add([] {
+        using M = Methods<Requests>;
+        return Answers<WebView, Requests>()
+            .on<subscribe<&WebView::newWindow>>(&M::add_NewWindowRequested)
+            .on<subscribe<&WebView::permission>>(&M::add_PermissionRequested)
+            .on<[](WebView& self, const winrt::hstring& name, const foundation::IInspectable& object) {
+                check(name == L"_zarvikBridge", "another object was added to the page");
+                self.bridge = object.as<IJavaScriptBridge>();
+            }>(&M::AddWebAllowedObject);
+    });
+    add([] {
+        using M = Methods<xaml::IFrameworkElement>;
+        return Answers<WebView, xaml::IFrameworkElement>()
+            .on<&WebView::width>(&M::put_Width)
+            .on<&WebView::height>(&M::put_Height)
+            .on<&WebView::width>(&M::get_Width)
+            .on<&WebView::height>(&M::get_Height)
+            .on<[](WebView&) {}>(&M::put_HorizontalAlignment)
+            .on<[](WebView&) {}>(&M::put_VerticalAlignment)
+            .on<[](WebView&) {
+                return world().hasPanel ? appPanel().query(winrt::guid_of<xaml::IDependencyObject>())
+                                        : nullptr;
+            }>(&M::get_Parent);
+    });
+    add([] {
+        using M = Methods<xaml::IUIElement>;
+        return Answers<WebView, xaml::IUIElement>()
+            .on<[](WebView&) {}>(&M::put_RenderTransform)
+            .on<[](WebView&) {}>(&M::put_Visibility);
+    });
+    addBare<xaml::IDependencyObject>();
     current = this;
 }
 
-struct WebViewClass : Factory<WebView> {
-    WebViewClass() {
-        using I = controls::IWebViewStatics4;
-        static const auto table = Answers<WebViewClass, I>().on<[](WebViewClass&, void** result) {
-            out(result, action([] { world().note(L"data cleared"); }));
-        }>(&Methods<I>::ClearTemporaryWebDataAsync);
-        add(table);
-    }
-};
-
 }  // namespace
 
-Object* makeWebViewFactory() {
-    return new WebViewClass;
+Factories webView() {
+    return {{L"Windows.UI.Xaml.Controls.WebView", statics(activation<WebView>, [] {
+                 using I = controls::IWebViewStatics4;
+                 return Answers<Object, I>()
+                     .on<[](Object&) { return action([] { world().note(L"data cleared"); }); }>(
+                         &Methods<I>::ClearTemporaryWebDataAsync);
+             })}};
 }
 
 void requestPermission(controls::WebViewPermissionType type) {

@@ -113,6 +113,7 @@ void World::behaveAsUsual() {
         const std::lock_guard lock(mutex);
         behaviours.clear();
         refusals.clear();
+        faulty = false;
         ended.swap(pending);
     }
     for (auto& fail : ended) {
@@ -125,6 +126,7 @@ Behaviour World::behaviourOf(const Method& method) {
     const auto found = std::ranges::find(behaviours, method, &std::pair<Method, Behaviour>::first);
     Behaviour behaviour = found == behaviours.end() ? Behaviour{} : found->second;
     behaviour.method = method;
+    faulty = faulty || found != behaviours.end();
     return behaviour;
 }
 
@@ -143,6 +145,7 @@ bool World::isRefused(const std::wstring& className) {
     if (std::ranges::find(classes, className) == classes.end()) {
         classes.push_back(className);
     }
+    faulty = faulty || refusals.contains(className);
     return refusals.contains(className);
 }
 
@@ -171,6 +174,11 @@ void World::noteOperation(const Method& method) {
     if (std::ranges::find(started, method) == started.end()) {
         started.push_back(method);
     }
+}
+
+bool World::wasFaulty() {
+    const std::lock_guard lock(mutex);
+    return faulty;
 }
 
 bool World::hasPending() {
@@ -241,16 +249,23 @@ void EndOfOperation::await_resume() const {
 /// What the system asks for a class of the app's side.
 extern "C" __declspec(dllexport) std::int32_t __stdcall getAppFactory(void* classId, void** factory) {
     *factory = nullptr;
-    const std::wstring className(app::in<winrt::hstring>(classId));
+    const std::wstring className(reinterpret_cast<const winrt::hstring&>(classId));
     if (app::world().isRefused(className)) {
         return REGDB_E_CLASSNOTREG;
     }
-    const app::MakeObject make = app::factoryOf(className);
-    if (!make) {
+    static const auto& factories = *new auto([] {
+        app::Factories all = app::userInterface();
+        all.merge(app::webView());
+        all.merge(app::content());
+        all.merge(app::web());
+        return all;
+    }());
+    const auto make = factories.find(className);
+    if (make == factories.end()) {
         app::finding("unknown class: " + winrt::to_string(className));
         return REGDB_E_CLASSNOTREG;
     }
-    app::Object* const object = make();
+    app::Object* const object = make->second();
     object->forbidKeeping();
     *factory = object->query(winrt::guid_of<foundation::IInspectable>());
     object->release();

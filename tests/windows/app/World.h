@@ -84,6 +84,8 @@ class World {
     std::vector<std::pair<Method, std::wstring>> operations();
     void noteCall(const Method& method, const wchar_t* object);
     void noteOperation(const Method& method);
+    /// Whether anything has met with a fault since all was as usual.
+    bool wasFaulty();
     /// Whether an operation is under way that never ends.
     bool hasPending();
 
@@ -113,6 +115,7 @@ class World {
     std::vector<std::pair<Method, Behaviour>> behaviours;
     std::vector<std::function<void()>> pending;
     std::set<std::wstring> refusals;
+    bool faulty = false;
     std::vector<std::wstring> classes;
     std::vector<std::pair<Method, std::wstring>> methods;
     std::vector<Method> started;
@@ -153,29 +156,11 @@ Object& appPanel();
 /// Gives the window its content again, with nothing in the panel.
 void restoreWindow();
 
-/// A class that is activated by its name: how to make an object of it, or the methods of the class itself.
-using MakeObject = Object* (*)();
-MakeObject factoryOf(const std::wstring& className);
-
-/// A factory of objects, for classes with a constructor without arguments.
-template <typename Class>
-class Factory : public Object {
-  public:
-    Factory() : Object(L"factory", Threads::any) {
-        static const auto table =
-            Answers<Factory, foundation::IActivationFactory>().template on<[](Factory&, void** made) {
-                auto* const object = new Class;
-                *made = object->query(winrt::guid_of<foundation::IInspectable>());
-                object->release();
-            }>(&Methods<foundation::IActivationFactory>::ActivateInstance);
-        add(table);
-    }
-};
-
-template <typename Class>
-Object* make() {
-    return new Class;
-}
+// The classes, by subject.
+Factories userInterface();
+Factories webView();
+Factories content();
+Factories web();
 
 /// The pixel at a place of a page's picture.
 std::uint32_t pixelAt(std::uint32_t x, std::uint32_t y, std::uint8_t colour);
@@ -191,6 +176,8 @@ struct Picture {
     std::vector<std::uint8_t> pixels() const;
 };
 
+/// The picture of a page of this size on the display.
+Picture pictureOf(double width, double height);
 /// Puts a picture into a stream in the app's own format.
 void writePicture(const streams::IRandomAccessStream& stream, const Picture& picture);
 

@@ -35,11 +35,11 @@ int wmain(int count, wchar_t** arguments) {
     winrt::init_apartment();
     SetUnhandledExceptionFilter([](EXCEPTION_POINTERS* crash) -> LONG {
         app::finding("crash with code " + std::to_string(crash->ExceptionRecord->ExceptionCode));
-        std::_Exit(1);
+        app::endProgram();
     });
     std::set_terminate([] {
         app::finding("terminate was called");
-        std::_Exit(1);
+        app::endProgram();
     });
     app::beginStep("start");
     Engine engine(arguments[1]);
@@ -52,7 +52,5 @@ int wmain(int count, wchar_t** arguments) {
     } else {
         playScenario(engine.plugin(), engine.recorder(), "file:///C:/pages/");
     }
-    std::fflush(stdout);
-    // The plug-in and its threads stay until the end of the process.
-    std::_Exit(app::findings() == 0 ? 0 : 1);
+    app::endProgram();
 }
