@@ -224,12 +224,16 @@ void places(Engine& engine) {
 
 void playRendering(Engine& engine) {
     engine.offerDevice(true);
-    everyPathAndRowLength(engine);
-    sizes(engine);
-    screenshots(engine);
-    pauses(engine);
-    requests(engine);
-    places(engine);
+    const auto step = [&](const char* name, void (*part)(Engine&)) {
+        app::beginStep(name);
+        part(engine);
+    };
+    step("every path and row length", everyPathAndRowLength);
+    step("sizes", sizes);
+    step("screenshots", screenshots);
+    step("pauses", pauses);
+    step("requests", requests);
+    step("places", places);
     for (const auto& record : engine.recorder().all()) {
         const bool fromUI = record.thread == app::uiThread().identifier();
         if (record.kind == Engine::Record::Kind::message) {
@@ -237,5 +241,5 @@ void playRendering(Engine& engine) {
                   record.method + " came from another thread");
         }
     }
-    endings(engine);
+    step("endings", endings);
 }
