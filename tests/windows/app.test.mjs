@@ -1,5 +1,5 @@
 // The plug-in's DLL at work in an app and an engine: a real Direct3D 11 device, and app-side classes that do what a
-// test tells them (app/). Processors other than x64 need no run of their own here: the sources are the same.
+// test tells them (app/).
 
 import assert from "node:assert/strict";
 import { existsSync, mkdirSync, readFileSync, symlinkSync, writeFileSync } from "node:fs";
@@ -86,3 +86,6 @@ test("pages reach the engine's texture, whatever the engine does meanwhile", () 
 test("whatever fails is logged, crashes nothing and is got over", () => {
     assert.equal(play("faults"), "");
 });
+
+// Of the ARM64 DLL only the structure is tested.
+test.skip("the same with the ARM64 DLL: Wine for that processor overwrites a register that belongs to the system (x18)");

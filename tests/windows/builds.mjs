@@ -28,7 +28,7 @@ export function run(program, arguments_, environment = {}) {
         encoding: "utf8",
         env: { ...process.env, ZARVIK_CACHE: cache, ...environment },
         maxBuffer: 1 << 28,
-        timeout: 300_000,
+        timeout: 600_000,
     });
     if (error)
         throw error;

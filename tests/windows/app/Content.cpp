@@ -106,8 +106,8 @@ struct Stream : Object {
         add([] {
             return Answers<Stream, streams::IOutputStream>()
                 .on<[](Stream& self, const streams::IBuffer& buffer) {
-                    self.bytes.assign(buffer.data(), buffer.data() + buffer.Length());
-                    return written(buffer.Length());
+                    self.bytes = behind<Buffer>(buffer).bytes;
+                    return written(static_cast<std::uint32_t>(self.bytes.size()));
                 }>(&Methods<streams::IOutputStream>::WriteAsync);
         });
         addBare<streams::IInputStream>();

@@ -1,5 +1,5 @@
-// Where the C++/WinRT library looks for classes that the system does not have: in a DLL with the first part of their
-// names, which here asks the program.
+// Where the C++/WinRT library looks for classes that the system does not have: in a DLL with the first part
+// of their names, which here asks the program.
 
 extern "C" __declspec(dllimport) int __stdcall getAppFactory(void* classId, void** factory);
 
