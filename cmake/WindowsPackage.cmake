@@ -9,7 +9,10 @@ endif()
 set(pluginFolder Plugins/WSA/${processorFolder})
 set(symbolFolder symbols/${processorFolder})
 
-install(FILES ${PROJECT_SOURCE_DIR}/src/exports/ZarvikOrvella.h DESTINATION include)
+install(
+    FILES ${PROJECT_SOURCE_DIR}/src/exports/ZarvikOrvella.h ${PROJECT_SOURCE_DIR}/src/exports/ExportTable.inc
+    DESTINATION include
+)
 
 # The licences of what is inside the DLLs.
 set(viewer ${PROJECT_SOURCE_DIR}/src/resources/pdf_viewer)

@@ -20,7 +20,7 @@ packages=(
     # running pages without a screen
     xvfb:Xvfb xauth:xauth libegl1 libgl1-mesa-dri fonts-dejavu-core bubblewrap:bwrap xdg-dbus-proxy:xdg-dbus-proxy
 )
-[ "${1:-}" != windows ] || packages+=(wine wine64 wine64-tools)
+[ "${1:-}" != windows ] || packages+=(wine wine64 wine64-tools libgl1)
 
 missing_packages() {
     local installed entry package

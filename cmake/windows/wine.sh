@@ -14,7 +14,7 @@ wine=/usr/lib/wine/wine64
 
 export WINEPREFIX="$cache/windows/wine" WINEDEBUG="${WINEDEBUG:--all}"
 # Nothing of .NET, of a browser or of a desktop is wanted; Wine would offer to download the first two.
-export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=d"
+export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=d${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
 
 # Two programs may get here first at once. The lock must not pass to Wine's server, which outlives the program.
 if [ ! -e "$WINEPREFIX/.made" ]; then

@@ -20,7 +20,7 @@ constexpr milliseconds pollInterval{5};
 
 // When a page counts as painted.
 constexpr milliseconds firstFrameGrace{1000};
-constexpr milliseconds quietTime{300};
+constexpr milliseconds quietTime{700};  // a PDF document comes a while after its viewer
 constexpr milliseconds animationLimit{2000};
 
 std::string uniqueName(const char* prefix) {

@@ -85,7 +85,7 @@ void require(bool condition, const wchar_t* message) {
 /// True if the text holds neither a control character nor one of the forbidden characters.
 bool isClean(std::wstring_view text, std::wstring_view forbidden) {
     return std::ranges::none_of(text, [forbidden](wchar_t character) {
-        return character < 0x20 || character == 0x7F || forbidden.find(character) != forbidden.npos;
+        return character < 0x20 || character == 0x7F || forbidden.find(character) != std::wstring_view::npos;
     });
 }
 

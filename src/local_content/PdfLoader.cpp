@@ -2,10 +2,8 @@
 
 #include "exports/Exceptions.h"
 #include "exports/HostChannel.h"
-#include "local_content/FileUriToStreamResolver.h"
 #include "local_content/LogTexts.h"
 #include "webview/UIThread.h"
-#include "webview/UwpWebView.h"
 
 using winrt::Windows::Networking::BackgroundTransfer::BackgroundDownloader;
 using winrt::Windows::Networking::BackgroundTransfer::DownloadOperation;
@@ -110,10 +108,10 @@ void PdfLoader::load(const std::string& url) {
     if (url.starts_with("file:")) {
         // Without the slash in front, which no drive has.
         const auto path = foundation::Uri::UnescapeComponent(foundation::Uri(winrt::to_hstring(url)).Path());
-        show(winrt::hstring(std::wstring_view(path).substr(path.empty() ? 0 : 1)));
+        view.showDocument(winrt::hstring(std::wstring_view(path).substr(path.empty() ? 0 : 1)));
     } else if (url.starts_with("http:") || url.starts_with("https:")) {
         current = std::make_shared<Download>(url);
-        launch("downloading a PDF", run(std::shared_ptr<PdfLoader>(view.shared_from_this(), this), current));
+        launch("downloading a PDF", run(weak_from_this(), current));
     } else {
         view.reportLoadFailure(log_texts::unsupportedPdfScheme + url);
     }
@@ -144,7 +142,7 @@ foundation::IAsyncAction PdfLoader::run(std::weak_ptr<PdfLoader> loader, std::sh
         failure = log_texts::pdfDownloadFailedUnexpectedly + url;
     }
     const auto self = loader.lock();
-    if (!self || self->view.isDestroyed() || download->abandoned) {
+    if (!self || download->abandoned) {
         co_return;
     }
     self->current = nullptr;
@@ -164,13 +162,8 @@ foundation::IAsyncAction PdfLoader::run(std::weak_ptr<PdfLoader> loader, std::sh
 void PdfLoader::show(const Download& download) {
     pdfSources.insert_or_assign(local_urls::pdfFileName(download.url), download.url);
     try {
-        show(download.path);
+        view.showDocument(download.path);
     } catch (...) {
         view.reportLoadFailure(log_texts::cannotShowPdf + download.url + ". " + currentExceptionText());
     }
-}
-
-void PdfLoader::show(const winrt::hstring& path) {
-    const auto& control = view.control();
-    control.NavigateToLocalStreamUri(local_urls::pdfViewer(control, path), sharedResolver());
 }

@@ -1,17 +1,23 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
 #include "local_content/LocalUrls.h"
 
-class UwpWebView;
-
 /// Shows PDF documents in one web view, which owns it: fetches those from the network into the app's
 /// temporary folder and opens the viewer page. UI thread.
-class PdfLoader {
+class PdfLoader : public std::enable_shared_from_this<PdfLoader> {
   public:
-    explicit PdfLoader(UwpWebView& view) : view(view) {}
+    /// What the view does for it, while the loader exists.
+    struct View {
+        /// Opens the viewer page for the document at a path. May throw.
+        std::function<void(const winrt::hstring& path)> showDocument;
+        std::function<void(const std::string& reason)> reportLoadFailure;
+    };
+
+    explicit PdfLoader(View view) : view(std::move(view)) {}
     PdfLoader(const PdfLoader&) = delete;
     PdfLoader& operator=(const PdfLoader&) = delete;
 
@@ -31,9 +37,8 @@ class PdfLoader {
     /// Runs a download and shows the document, if it is still wanted then.
     static foundation::IAsyncAction run(std::weak_ptr<PdfLoader> loader, std::shared_ptr<Download> download);
     void show(const Download& download);
-    void show(const winrt::hstring& path);
 
-    UwpWebView& view;
+    const View view;
     std::shared_ptr<Download> current;
     local_urls::PdfSources pdfSources;
 };

@@ -50,7 +50,8 @@ controls::Panel findHostPanel() {
 
 }  // namespace
 
-UwpWebView::UwpWebView(std::string messageTargetName) : messageTargetName(std::move(messageTargetName)) {
+UwpWebView::UwpWebView(std::string messageTargetName)
+    : pdfLoader(makePdfLoader()), messageTargetName(std::move(messageTargetName)) {
     // Numbers in scripts and payloads have a point as decimal separator.
     std::setlocale(LC_ALL, "C");
 }
@@ -148,7 +149,7 @@ foundation::IAsyncAction UwpWebView::teardown() {
 }
 
 void UwpWebView::removeControl() {
-    pdfLoader.abandon();
+    pdfLoader->abandon();
     // The reference goes in any case: XAML objects must not outlive the UI thread's part of the instance.
     const controls::WebView control = std::exchange(webView, nullptr);
     controls::Panel panel{nullptr};

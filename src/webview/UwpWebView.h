@@ -113,6 +113,7 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     void postLoadStep(const char* operation, Step step);
     /// Shows a PDF document, local or from the network. UI thread.
     void loadPdf(const std::string& url);
+    std::shared_ptr<PdfLoader> makePdfLoader();
     /// Runs a navigation; what the platform refuses is reported as a failed load of the URL.
     template <typename Navigation>
     void startLoad(const std::string& url, Navigation navigate);
@@ -142,7 +143,7 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     std::atomic<bool> consoleMessageEventsEnabled{false};
     std::atomic<bool> defaultBackgroundEnabled{true};
     std::atomic<bool> focusedInputFieldEventsEnabled{false};
-    PdfLoader pdfLoader{*this};
+    const std::shared_ptr<PdfLoader> pdfLoader;
     const std::string messageTargetName;
 };
 

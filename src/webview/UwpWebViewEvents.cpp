@@ -45,9 +45,9 @@ void UwpWebView::onNavigationStarting(const controls::WebViewNavigationStartingE
         loadPdf(url);
         return;
     }
-    pdfLoader.abandon();
+    pdfLoader->abandon();
     addPageBridge();
-    sendMessage(messages::messageEmitted, urlChangedMessage(local_urls::toReport(url, pdfLoader.sources())));
+    sendMessage(messages::messageEmitted, urlChangedMessage(local_urls::toReport(url, pdfLoader->sources())));
     sendMessage(messages::loadStarted, "");
 }
 

@@ -71,7 +71,22 @@ void UwpWebView::loadUrl(std::string url) {
 }
 
 void UwpWebView::loadPdf(const std::string& url) {
-    startLoad(url, [&] { pdfLoader.load(url); });
+    startLoad(url, [&] { pdfLoader->load(url); });
+}
+
+std::shared_ptr<PdfLoader> UwpWebView::makePdfLoader() {
+    PdfLoader::View own;
+    own.showDocument = [this](const winrt::hstring& path) {
+        if (!destroyed) {
+            webView.NavigateToLocalStreamUri(local_urls::pdfViewer(webView, path), sharedResolver());
+        }
+    };
+    own.reportLoadFailure = [this](const std::string& reason) {
+        if (!destroyed) {
+            reportLoadFailure(reason);
+        }
+    };
+    return std::make_shared<PdfLoader>(std::move(own));
 }
 
 void UwpWebView::loadUrlWithHeaders(std::string url, std::string headers) {
@@ -100,7 +115,7 @@ void UwpWebView::reload() {
 
 void UwpWebView::stopLoad() {
     postControlStep(*this, "stopLoad", [](UwpWebView& view) {
-        view.pdfLoader.stop();
+        view.pdfLoader->stop();
         view.webView.Stop();
     });
 }

@@ -1,5 +1,7 @@
 // Scripts that run in the page, and messages that come from it.
 
+#include <new>
+
 #include "exports/HostChannel.h"
 #include "exports/HostMessages.h"
 #include "webview/LogTexts.h"
@@ -56,6 +58,11 @@ foundation::IAsyncAction UwpWebView::invokeScript(std::shared_ptr<UwpWebView> vi
             // With its view a script ends as well, and nobody needs to hear of it.
             if (!view->destroyed) {
                 logScriptFailure(error);
+            }
+        } catch (const std::bad_alloc&) {
+            // What C++/WinRT makes of one of the platform's codes; the engine is told all the same.
+            if (!view->destroyed) {
+                logUIThreadException();
             }
         }
     }

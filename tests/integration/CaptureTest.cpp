@@ -1,5 +1,6 @@
 // The page's pixels in the engine's texture, and how often they get there.
 
+#include <future>
 #include <thread>
 
 #include "support/EngineTest.h"
@@ -32,7 +33,7 @@ INSTANTIATE_TEST_SUITE_P(Paths, CaptureTest, testing::Bool(), pathName);
 TEST_P(CaptureTest, PixelsAreExactInOddSizesAndPitches) {
     struct {
         Size size;
-        std::uint32_t (*rowPitch)(std::uint32_t width);
+        std::uint32_t (*rowPitch)(std::uint32_t width) = nullptr;
     } const cases[] = {
         {{320, 240}, [](std::uint32_t width) { return width * 4; }},
         {{333, 217}, [](std::uint32_t width) { return (width * 4 + 255) / 256 * 256; }},
@@ -97,6 +98,38 @@ TEST_P(CaptureTest, AnAnimatedPageKeepsComingAndStopsOnRequest) {
         plugin().WebView_setRenderingEnabled(view.handle(), i % 2 == 1);
     }
     EXPECT_TRUE(view.waitForUploads(view.uploads() + 10));
+}
+
+TEST_P(CaptureTest, AnEngineThatPausesSeesTheNewestPicture) {
+    View view(engine, {60, 40}, streamPath());
+    loadHtml(view, "<body style='background: red'>");
+    ASSERT_TRUE(waitForPixels(view, [](const Image& image) { return isFilled(image, 255, 0, 0); }));
+
+    std::vector<Image> seen;
+    engine.setDrawing([&, uploads = view.uploads()] {
+        if (view.uploads() != uploads) {
+            seen.push_back(view.readPixels());
+        }
+    });
+    std::promise<void> pausing;
+    std::promise<void> pauseEnds;
+    std::thread pause([&] {
+        engine.renderThread().run([&] {
+            pausing.set_value();
+            pauseEnds.get_future().wait();
+        });
+    });
+    pausing.get_future().wait();
+    for (const std::string colour : {"lime", "white", "blue"}) {
+        view.evaluate("document.body.style.background = '" + colour + "'");
+        std::this_thread::sleep_for(300ms);  // many frames
+    }
+    pauseEnds.set_value();
+    pause.join();
+    EXPECT_TRUE(waitForPixels(view, [](const Image& image) { return isFilled(image, 0, 0, 255); }));
+    engine.setDrawing(nullptr);
+    ASSERT_FALSE(seen.empty());
+    EXPECT_TRUE(isFilled(seen.front(), 0, 0, 255));
 }
 
 TEST_P(CaptureTest, TwoViewsShowTheirOwnPages) {

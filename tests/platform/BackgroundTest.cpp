@@ -55,7 +55,7 @@ class BackgroundTest : public PageTest {
             shown = take();
             bool right_colors = shown.width == 200 && shown.height == 100;
             for (int i = 0; right_colors && i < 200 * 100; ++i) {
-                right_colors = near(shown.pixels.get() + i * 4, i % 200 < 100 ? left : right);
+                right_colors = near(shown.pixels.get() + std::ptrdiff_t{4} * i, i % 200 < 100 ? left : right);
             }
             if (right_colors) {
                 return true;

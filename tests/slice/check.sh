@@ -25,8 +25,9 @@ projected=$(tr -d '\n' <"$bridge/projection/winrt/ZarvikWebViewRuntimeComponent.
     grep -oE '\{ *0x[^}]*\}\}' | sed 's/0x//g; s/[ ,{}]//g' | sort)
 [ -n "$declared" ] && [ "$declared" = "$projected" ] || fail "the component's identifiers differ"
 
-# The headers, which all compilations share, are compiled once.
-"${compile[@]}" -x c++-header -o "$work/platform.h.pch" "$folder/../../src/platform.h"
+# The headers, which all compilations share, are compiled once. Without their times, since a compiler with a cache may
+# answer with what it made of the same text at another time.
+"${compile[@]}" -x c++-header -Xclang -fno-pch-timestamp -o "$work/platform.h.pch" "$folder/../../src/platform.h"
 
 # accepts MACRO... tells whether the source compiles with these macros defined. $work/output has what was said.
 accepts() {

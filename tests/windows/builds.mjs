@@ -1,6 +1,6 @@
 // Where things are, and how the tools of the Windows build are run.
 
-import { spawnSync } from "node:child_process";
+import { spawn, spawnSync } from "node:child_process";
 import { mkdtempSync, readFileSync, rmSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { fileURLToPath } from "node:url";
@@ -28,7 +28,7 @@ export function run(program, arguments_, environment = {}) {
         encoding: "utf8",
         env: { ...process.env, ZARVIK_CACHE: cache, ...environment },
         maxBuffer: 1 << 28,
-        timeout: 300_000,
+        timeout: 600_000,
     });
     if (error)
         throw error;
@@ -45,4 +45,18 @@ export function compile(...arguments_) {
 /** Runs a program for x64. It has no display. */
 export function wine(arguments_, environment = {}) {
     return run(`${root}cmake/windows/wine.sh`, arguments_, { DISPLAY: "", ...environment });
+}
+
+/** Starts an X server of its own; returns its display and what ends it. */
+export async function startDisplay() {
+    const server = spawn(
+        "Xvfb", ["-displayfd", "3", "-screen", "0", "1280x1024x24", "+extension", "GLX", "-nolisten", "tcp"],
+        { stdio: ["ignore", "ignore", "ignore", "pipe"] },
+    );
+    const number = await new Promise((resolve, reject) => {
+        server.stdio[3].once("data", (text) => resolve(String(text).trim()));
+        server.once("error", reject);
+        server.once("exit", () => reject(new Error("the X server (Xvfb) did not start")));
+    });
+    return { display: `:${number}`, stop: () => server.kill() };
 }

@@ -28,6 +28,7 @@ test("the package has all that a project needs", () =>
         assert.deepEqual(
             files.sort(),
             [
+                "include/ExportTable.inc",
                 "include/ZarvikOrvella.h",
                 ...["cppwinrt.txt", "llvm.txt", "mingw-w64.txt"].map((name) => `licenses/${name}`),
                 ...viewerNotices.map((name) => `licenses/pdf.js/${name}`),
@@ -39,6 +40,7 @@ test("the package has all that a project needs", () =>
             ].sort(),
         );
 
+        run("clang-19", ["-std=c11", "-fsyntax-only", "-x", "c", `${folder}/include/ZarvikOrvella.h`]);
         for (const [architecture, each] of Object.entries(folders))
             for (const name of names) {
                 const image = `${folder}/Plugins/WSA/${each}/${name}.dll`;

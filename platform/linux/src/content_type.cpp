@@ -67,7 +67,7 @@ std::string lower_case(std::string_view text) {
 std::string suffix_of(std::string_view path) {
     auto const name = path.substr(path.find_last_of("/\\") + 1);
     auto const dot = name.rfind('.');
-    return dot == name.npos ? std::string() : lower_case(name.substr(dot + 1));
+    return dot == std::string_view::npos ? std::string() : lower_case(name.substr(dot + 1));
 }
 
 bool looks_like_html(std::span<uint8_t const> head) {

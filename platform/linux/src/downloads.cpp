@@ -59,8 +59,8 @@ class own_main_context {
 
 winrt::hresult code_of(GError const& error) {
     struct {
-        GQuark (*domain)();
-        int code;
+        GQuark (*domain)() = nullptr;
+        int code = 0;
         winrt::hresult result;
     } constexpr codes[] = {
         {g_io_error_quark, G_IO_ERROR_CANCELLED, HRESULT_FROM_WIN32(ERROR_CANCELLED)},

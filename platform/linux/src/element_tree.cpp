@@ -195,7 +195,7 @@ UIElementCollection Panel::Children() const {
 
 bool UIElementCollection::IndexOf(UIElement const& value, uint32_t& index) const {
     auto const& children = runtime::object_of<panel_object>(*this).children;
-    auto const found = std::find(children.begin(), children.end(), value.get_implementation());
+    auto const found = std::ranges::find(children, value.get_implementation());
     index = found == children.end() ? 0 : static_cast<uint32_t>(found - children.begin());
     return found != children.end();
 }

@@ -16,7 +16,7 @@ namespace {
 
 winrt::hresult code_of(int error) {
     struct {
-        int error;
+        int error = 0;
         winrt::hresult code;
     } constexpr codes[] = {
         {ENOENT, HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)},
@@ -69,7 +69,7 @@ std::string native_path(std::wstring_view path) {
         begin = std::find_if_not(begin, text.end(), is_separator);
         auto const end = std::find_if(begin, text.end(), is_separator);
         std::string_view const part(begin, end);
-        if (part == "." || part == ".." || part.find('\0') != part.npos) {
+        if (part == "." || part == ".." || part.find('\0') != std::string_view::npos) {
             throw winrt::hresult_error(E_INVALIDARG, L"The path has a part that is not the name of a file.");
         }
         if (!part.empty()) {
@@ -85,7 +85,7 @@ std::string native_path(std::wstring_view path) {
 
 std::string file_name(std::wstring_view name) {
     std::string text = winrt::to_string(name);
-    if (text.empty() || text == "." || text == ".." || text.find('\0') != text.npos ||
+    if (text.empty() || text == "." || text == ".." || text.find('\0') != std::string::npos ||
         std::ranges::any_of(text, is_separator)) {
         throw winrt::hresult_error(E_INVALIDARG, L"It is not the name of a file.");
     }

@@ -24,9 +24,9 @@ struct script_answers::record {
 
 script_answers::script_answers() : descriptor(memfd_create("script answers", MFD_CLOEXEC)) {
     if (descriptor < 0) {
-        throw winrt::hresult_error(
-            E_OUTOFMEMORY,
-            winrt::to_hstring(std::string("No file for the answers of scripts: ") + std::strerror(errno)));
+        throw winrt::hresult_error(E_OUTOFMEMORY,
+                                   winrt::to_hstring(std::string("No file for the answers of scripts: ") +
+                                                     std::generic_category().message(errno)));
     }
 }
 
@@ -74,7 +74,7 @@ std::optional<script_answers::record> script_answers::first_record(std::string_v
 
 void script_answers::read() {
     bytes.erase(0, std::exchange(taken, 0));
-    std::array<char, 1 << 16> piece;
+    std::array<char, 1 << 16> piece{};
     ssize_t count = 0;
     do {
         count = pread(descriptor, piece.data(), piece.size(), static_cast<off_t>(end));

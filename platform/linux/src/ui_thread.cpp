@@ -188,16 +188,14 @@ void ui_thread::run_queue() {
     end_pause();
     constexpr int64_t longest_turn_us = 1000;
     auto const end = g_get_monotonic_time() + longest_turn_us;
-    auto now = end;
     do {
         auto const work = take_next();
         if (!work) {
             return;
         }
         work();
-        now = g_get_monotonic_time();
-    } while (now < end);
-    begin_pause(now);
+    } while (g_get_monotonic_time() < end);
+    begin_pause();
 }
 
 std::function<void()> ui_thread::take_next() {
@@ -212,7 +210,8 @@ std::function<void()> ui_thread::take_next() {
 
 /// After a busy stretch the loop gets a moment for what has a lower priority than the queue, such as painting
 /// and the page processes' messages.
-void ui_thread::begin_pause(int64_t now) {
+void ui_thread::begin_pause() {
+    auto const now = g_get_monotonic_time();
     constexpr int64_t longest_stretch_us = 4000;
     constexpr int64_t pause_us = 500;
     std::lock_guard guard(lock);

@@ -93,7 +93,7 @@ class ui_thread {
     bool is_due();
     void run_queue();
     std::function<void()> take_next();
-    void begin_pause(int64_t now);
+    void begin_pause();
     void end_pause();
     void run_nested_until(std::atomic<bool> const& finished, std::chrono::milliseconds bound);
     void park_at_exit();

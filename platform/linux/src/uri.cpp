@@ -3,6 +3,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <ranges>
 
 #include "glib_ptr.h"
 #include "implementation.h"
@@ -55,7 +56,7 @@ bool is_blank_or_control(char character) {
 
 bool needs_encoding(char character, std::string_view illegal) {
     return is_blank_or_control(character) || static_cast<unsigned char>(character) > 0x7F ||
-           illegal.find(character) != illegal.npos;
+           illegal.find(character) != std::string_view::npos;
 }
 
 std::string percent_encode(std::string_view text, std::string_view illegal) {
@@ -83,8 +84,8 @@ std::string lower_case(std::string_view text) {
 std::string strip(std::string text) {
     std::erase_if(text,
                   [](char character) { return character == '\t' || character == '\n' || character == '\r'; });
-    text.erase(std::find_if_not(text.rbegin(), text.rend(), is_blank_or_control).base(), text.end());
-    text.erase(text.begin(), std::find_if_not(text.begin(), text.end(), is_blank_or_control));
+    text.erase(std::ranges::find_if_not(text | std::views::reverse, is_blank_or_control).base(), text.end());
+    text.erase(text.begin(), std::ranges::find_if_not(text, is_blank_or_control));
     return text;
 }
 
@@ -95,8 +96,8 @@ std::string scheme_of(std::string_view text) {
     auto const allowed = [](char character) {
         return g_ascii_isalnum(character) || character == '+' || character == '-' || character == '.';
     };
-    bool const valid = length != text.npos && !scheme.empty() && g_ascii_isalpha(scheme.front()) &&
-                       std::ranges::all_of(scheme, allowed);
+    bool const valid = length != std::string_view::npos && !scheme.empty() &&
+                       g_ascii_isalpha(scheme.front()) && std::ranges::all_of(scheme, allowed);
     return valid ? lower_case(scheme) : std::string();
 }
 
@@ -138,7 +139,7 @@ void complete_file_authority(std::string& rest) {
 }
 
 guri_ptr parse_hierarchical(std::string const& text) {
-    if (text.find('\0') != text.npos) {
+    if (text.find('\0') != std::string_view::npos) {
         refuse(L"The URI has a NUL character.");
     }
     constexpr auto flags = static_cast<GUriFlags>(G_URI_FLAGS_PARSE_RELAXED | G_URI_FLAGS_ENCODED);
@@ -155,7 +156,7 @@ guri_ptr parse_hierarchical(std::string const& text) {
 std::string host_of(GUri* uri) {
     char const* const parsed = g_uri_get_host(uri);
     std::string const host = lower_case(parsed ? parsed : "");
-    if (host.find(':') != host.npos && host.find('%') == host.npos) {
+    if (host.find(':') != std::string::npos && host.find('%') == std::string::npos) {
         return '[' + host + ']';  // an IPv6 address, which the parser has checked
     }
     return percent_encode(host, illegalInHost);
@@ -170,7 +171,7 @@ void set_hierarchical(uri_object& object, std::string const& scheme, std::string
     if (isNetwork && host.empty()) {
         refuse(L"The URI has no host.");
     }
-    if (isNetwork && host.find('%') != host.npos) {
+    if (isNetwork && host.find('%') != std::string::npos) {
         refuse(L"The URI's host has a character that no host may have.");
     }
     object.append("://");

@@ -34,18 +34,16 @@ constexpr size_t kept_canvases = 2;
 view_surface::canvas::canvas(int32_t width, int32_t height)
     : pixels(new uint8_t[static_cast<size_t>(width) * static_cast<size_t>(height) * 4]()),
       width(width),
-      height(height) {
-    // Everything is stale at first, whatever the widget's size is.
-    stale = cairo_region_create_rectangle(&everything);
-}
+      height(height),
+      // Everything is stale at first, whatever the widget's size is.
+      stale(cairo_region_create_rectangle(&everything)) {}
 
 view_surface::canvas::~canvas() {
     cairo_region_destroy(stale);
 }
 
-view_surface::view_surface(GtkWidget* widget) : widget(widget) {
-    draw_handler = g_signal_connect(widget, "draw", G_CALLBACK(on_draw), this);
-}
+view_surface::view_surface(GtkWidget* widget)
+    : widget(widget), draw_handler(g_signal_connect(widget, "draw", G_CALLBACK(on_draw), this)) {}
 
 view_surface::~view_surface() {
     g_signal_handler_disconnect(widget, draw_handler);
@@ -158,10 +156,10 @@ std::shared_ptr<view_surface::canvas> view_surface::writable_canvas(int32_t widt
     std::erase_if(canvases,
                   [&](auto const& entry) { return entry->width != width || entry->height != height; });
     auto const free = [](auto const& entry) { return entry->loans.load(std::memory_order_acquire) == 0; };
-    if (latest && free(latest) && std::find(canvases.begin(), canvases.end(), latest) != canvases.end()) {
+    if (latest && free(latest) && std::ranges::find(canvases, latest) != canvases.end()) {
         return latest;
     }
-    if (auto const found = std::find_if(canvases.begin(), canvases.end(), free); found != canvases.end()) {
+    if (auto const found = std::ranges::find_if(canvases, free); found != canvases.end()) {
         return *found;
     }
     if (canvases.size() >= kept_canvases) {

@@ -12,7 +12,7 @@ thread_local DWORD lastError = 0;
 }  // namespace
 
 BOOL WINAPI QueryPerformanceCounter(LARGE_INTEGER* counter) {
-    timespec now;
+    timespec now{};
     if (clock_gettime(CLOCK_MONOTONIC, &now) != 0) {
         SetLastError(static_cast<DWORD>(E_FAIL));
         return FALSE;

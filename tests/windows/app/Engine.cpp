@@ -1,0 +1,183 @@
+#include "Engine.h"
+
+#include "Object.h"
+
+namespace {
+
+Engine* current = nullptr;
+ID3D11Device* offeredDevice = nullptr;
+
+using Kind = zarvik::host::Record::Kind;
+
+void record(Kind kind, const char* target, const char* method, const char* payload) {
+    zarvik::host::Record record;
+    record.kind = kind;
+    record.thread = std::this_thread::get_id();
+    record.target = target;
+    record.method = method;
+    record.payload = payload;
+    current->recorder().add(std::move(record));
+}
+
+template <Kind kind>
+void log(const char* line) {
+    record(kind, "", "", line);
+}
+
+void* getInterface(std::uint64_t high, std::uint64_t low) {
+    static IUnityGraphicsD3D11 graphics{[] { return offeredDevice; }};
+    const bool known = high == IUnityGraphicsD3D11::guid.high && low == IUnityGraphicsD3D11::guid.low;
+    return known && offeredDevice ? &graphics : nullptr;
+}
+
+/// Gives one object a virtual table of its own with another function in a slot; returns what was there.
+template <typename Pointer, typename Function>
+Function replace(void* object, Pointer method, Function function) {
+    constexpr std::size_t most = 160;  // more than any interface here has
+    auto**& slots = *static_cast<void***>(object);
+    auto** const copy = new void*[most];
+    std::memcpy(copy, slots, most * sizeof(void*));
+    const auto before = reinterpret_cast<Function>(copy[app::slotOf(method)]);
+    copy[app::slotOf(method)] = reinterpret_cast<void*>(function);
+    slots = copy;
+    return before;
+}
+
+using Map = HRESULT(__stdcall*)(ID3D11DeviceContext*, ID3D11Resource*, UINT, D3D11_MAP, UINT,
+                                D3D11_MAPPED_SUBRESOURCE*);
+using Unmap = void(__stdcall*)(ID3D11DeviceContext*, ID3D11Resource*, UINT);
+using CreateTexture = HRESULT(__stdcall*)(ID3D11Device*, const D3D11_TEXTURE2D_DESC*,
+                                          const D3D11_SUBRESOURCE_DATA*, ID3D11Texture2D**);
+using CreateView = HRESULT(__stdcall*)(ID3D11Device*, ID3D11Resource*, const D3D11_SHADER_RESOURCE_VIEW_DESC*,
+                                       ID3D11ShaderResourceView**);
+
+Map realMap;
+Unmap realUnmap;
+CreateTexture realCreateTexture;
+CreateView realCreateView;
+
+/// Memory that stands in for a texture's while it is mapped, with longer rows.
+struct Padded {
+    D3D11_MAPPED_SUBRESOURCE real{};
+    UINT width = 0;
+    UINT height = 0;
+    std::vector<std::uint8_t> bytes;
+} padded;
+
+HRESULT __stdcall map(ID3D11DeviceContext* context, ID3D11Resource* resource, UINT index, D3D11_MAP kind,
+                      UINT flags, D3D11_MAPPED_SUBRESOURCE* mapped) {
+    if (kind == D3D11_MAP_WRITE_DISCARD && FAILED(Engine::faults.map)) {
+        return Engine::faults.map;
+    }
+    const HRESULT result = realMap(context, resource, index, kind, flags, mapped);
+    if (FAILED(result) || kind != D3D11_MAP_WRITE_DISCARD || Engine::faults.padding == 0) {
+        return result;
+    }
+    D3D11_TEXTURE2D_DESC description{};
+    static_cast<ID3D11Texture2D*>(resource)->GetDesc(&description);
+    padded = {*mapped, description.Width, description.Height, {}};
+    mapped->RowPitch = description.Width * 4 + Engine::faults.padding;
+    // Nothing may be written behind the last row's pixels.
+    padded.bytes.assign(std::size_t{mapped->RowPitch} * description.Height, 0xCD);
+    mapped->pData = padded.bytes.data();
+    return result;
+}
+
+void __stdcall unmap(ID3D11DeviceContext* context, ID3D11Resource* resource, UINT index) {
+    if (!padded.bytes.empty()) {
+        const std::size_t pitch = padded.bytes.size() / padded.height;
+        for (UINT y = 0; y < padded.height; ++y) {
+            const std::uint8_t* const row = &padded.bytes[y * pitch];
+            std::memcpy(static_cast<std::uint8_t*>(padded.real.pData) + std::size_t{y} * padded.real.RowPitch,
+                        row, std::size_t{padded.width} * 4);
+            for (std::size_t i = std::size_t{padded.width} * 4; i < pitch; ++i) {
+                if (row[i] != 0xCD) {
+                    app::finding("the padding of a row was written to");
+                    break;
+                }
+            }
+        }
+        padded = {};
+    }
+    realUnmap(context, resource, index);
+}
+
+HRESULT __stdcall createTexture(ID3D11Device* device, const D3D11_TEXTURE2D_DESC* description,
+                                const D3D11_SUBRESOURCE_DATA* data, ID3D11Texture2D** texture) {
+    const bool fails = description->Usage == D3D11_USAGE_DYNAMIC && FAILED(Engine::faults.createTexture);
+    return fails ? Engine::faults.createTexture : realCreateTexture(device, description, data, texture);
+}
+
+HRESULT __stdcall createView(ID3D11Device* device, ID3D11Resource* resource,
+                             const D3D11_SHADER_RESOURCE_VIEW_DESC* description,
+                             ID3D11ShaderResourceView** view) {
+    return FAILED(Engine::faults.createView) ? Engine::faults.createView
+                                             : realCreateView(device, resource, description, view);
+}
+
+}  // namespace
+
+Engine::Engine(const wchar_t* library) {
+    const HMODULE module = LoadLibraryW(library);
+    if (!module) {
+        throw winrt::hresult_error(HRESULT_FROM_WIN32(GetLastError()), L"the plug-in cannot be loaded");
+    }
+#define ZARVIK_EXPORT(result, name, parameters) \
+    exports.name =                              \
+        reinterpret_cast<result(*) parameters>(reinterpret_cast<void*>(GetProcAddress(module, #name)));
+#include "exports/ExportTable.inc"
+#undef ZARVIK_EXPORT
+
+    winrt::check_hresult(D3D11CreateDevice(nullptr, D3D_DRIVER_TYPE_HARDWARE, nullptr, 0, nullptr, 0,
+                                           D3D11_SDK_VERSION, d3dDevice.put(), nullptr, context.put()));
+    realMap = replace(context.get(), &ID3D11DeviceContext::Map, map);
+    realUnmap = replace(context.get(), &ID3D11DeviceContext::Unmap, unmap);
+    realCreateTexture = replace(d3dDevice.get(), &ID3D11Device::CreateTexture2D, createTexture);
+    realCreateView = replace(d3dDevice.get(), &ID3D11Device::CreateShaderResourceView, createView);
+
+    current = this;
+    static IUnityInterfaces interfaces{nullptr, nullptr, getInterface, nullptr};
+    exports.UnityPluginLoad(&interfaces);
+    exports.WebView_setLogFunctions(log<Kind::info>, log<Kind::warning>, log<Kind::error>);
+    exports.WebView_setSendMessageFunction([](const char* target, const char* method, const char* payload) {
+        record(Kind::message, target, method, payload);
+    });
+    exports.WebView_setDataResultCallback(
+        [](const char* target, const char* id, const std::uint8_t* bytes, std::int32_t length) {
+            zarvik::host::Record record;
+            record.kind = Kind::data;
+            record.target = target;
+            record.method = id;
+            record.bytes.assign(bytes, bytes + length);
+            current->recorder().add(std::move(record));
+        });
+}
+
+void Engine::offerDevice(bool offered) {
+    offeredDevice = offered ? d3dDevice.get() : nullptr;
+}
+
+std::vector<std::uint8_t> Engine::readPixels(void* view, UINT& width, UINT& height) {
+    winrt::com_ptr<ID3D11Resource> texture;
+    static_cast<ID3D11ShaderResourceView*>(view)->GetResource(texture.put());
+    D3D11_TEXTURE2D_DESC description{};
+    texture.as<ID3D11Texture2D>()->GetDesc(&description);
+    width = description.Width;
+    height = description.Height;
+    description.Usage = D3D11_USAGE_STAGING;
+    description.BindFlags = 0;
+    description.CPUAccessFlags = D3D11_CPU_ACCESS_READ;
+    winrt::com_ptr<ID3D11Texture2D> staging;
+    winrt::check_hresult(d3dDevice->CreateTexture2D(&description, nullptr, staging.put()));
+    context->CopyResource(staging.get(), texture.get());
+    D3D11_MAPPED_SUBRESOURCE mapped{};
+    winrt::check_hresult(context->Map(staging.get(), 0, D3D11_MAP_READ, 0, &mapped));
+    std::vector<std::uint8_t> pixels(std::size_t{width} * height * 4);
+    for (UINT y = 0; y < height; ++y) {
+        std::memcpy(&pixels[std::size_t{y} * width * 4],
+                    static_cast<const std::uint8_t*>(mapped.pData) + std::size_t{y} * mapped.RowPitch,
+                    std::size_t{width} * 4);
+    }
+    context->Unmap(staging.get(), 0);
+    return pixels;
+}

@@ -1,0 +1,245 @@
+// Pictures on their way into the texture, and what an engine does with a view meanwhile.
+
+#include <algorithm>
+
+#include "Scenarios.h"
+#include "Session.h"
+
+namespace {
+
+using app::check;
+using app::world;
+
+void everyPathAndRowLength(Engine& engine) {
+    for (const bool preview : {false, true}) {
+        for (const UINT padding : {0U, 4U, 12U, 212U}) {
+            Engine::faults.padding = padding;
+            const int renderings = world().renderings;
+            const int previews = world().previews;
+            Session session(engine, 61, 43, preview);
+            session.load();
+            for (int picture = 0; picture < 2; ++picture) {
+                ++world().colour;
+                check(session.shows(61, 43),
+                      "the texture shows the page, padding " + std::to_string(padding));
+            }
+            check(session.announcements() == 1, "one texture, one announcement");
+            check((world().renderings > renderings) == !preview && (world().previews > previews) == preview,
+                  "pictures are taken the way that was asked for");
+        }
+    }
+    Engine::faults.padding = 0;
+}
+
+void sizes(Engine& engine) {
+    Session session(engine, 61, 43);
+    session.load();
+    check(session.shows(61, 43), "the first size");
+    for (int width = 20; width <= 100; ++width) {
+        engine.plugin().WebView_resize(session.view(), width, 50);
+        session.turn();
+    }
+    check(session.shows(100, 50), "after many sizes");
+    engine.plugin().WebView_zoomIn(session.view());
+    check(session.shows(90, 45), "zoomed in");
+    engine.plugin().WebView_zoomOut(session.view());
+    engine.plugin().WebView_zoomOut(session.view());
+    check(session.shows(110, 55), "zoomed out");
+    engine.plugin().WebView_zoomIn(session.view());
+
+    const int previews = world().previews;
+    engine.plugin().WebView_resize(session.view(), 1001, 9);
+    check(session.shows(1001, 9) && world().previews > previews, "larger than the window");
+    // No multiple of what a display of this kind can render.
+    world().rawPixelsPerViewPixel = 1.5;
+    engine.plugin().WebView_resize(session.view(), 31, 22);
+    ++world().colour;
+    check(session.shows(31, 22, 1), "on a display of another scale");
+    world().rawPixelsPerViewPixel = 1;
+}
+
+void screenshots(Engine& engine) {
+    Session session(engine, 30, 20);
+    session.load();
+    const auto picture = app::Picture{30, 20, world().colour}.pixels();
+    engine.plugin().WebView_captureScreenshot(session.view(), "screenshot");
+    check(session.data("screenshot") == picture, "the screenshot is the page");
+    engine.plugin().WebView_getRawTextureData(session.view(), "raw");
+    auto raw = session.data("raw");
+    check(raw.size() == picture.size(), "the raw data have the page's size");
+    raw.resize(picture.size());
+    for (std::size_t row = 0; row < 20; ++row) {
+        check(std::equal(&picture[row * 120], &picture[row * 120] + 120, &raw[(19 - row) * 120]),
+              "the raw data begin at the bottom");
+    }
+}
+
+void pauses(Engine& engine) {
+    Session session(engine, 30, 20);
+    session.load();
+    check(session.shows(30, 20), "before the pause");
+    engine.plugin().WebView_setRenderingEnabled(session.view(), false);
+    session.evaluate("0");
+    Sleep(50);
+    const int before = world().renderings;
+    Sleep(100);
+    check(world().renderings == before, "no pictures while rendering is disabled");
+    ++world().colour;
+    engine.plugin().WebView_setRenderingEnabled(session.view(), true);
+    check(session.shows(30, 20), "after the pause");
+    // On and off in haste leaves one loop or two, but never none and never a stuck one.
+    for (int i = 0; i < 50; ++i) {
+        engine.plugin().WebView_setRenderingEnabled(session.view(), i % 2 != 0);
+    }
+    ++world().colour;
+    check(session.shows(30, 20), "after switching in haste");
+}
+
+void endings(Engine& engine) {
+    const auto& plugin = engine.plugin();
+    const std::function<void(Session&)> states[] = {
+        [](Session&) {},
+        [](Session& session) { session.evaluate("0"); },
+        [&](Session& session) { plugin.WebView_loadHtml(session.view(), "<p>"); },
+        [](Session& session) { session.load(); },
+        [](Session& session) {
+            session.load();
+            session.shows(30, 20);
+        },
+        [&](Session& session) {
+            session.load();
+            plugin.WebView_setRenderingEnabled(session.view(), false);
+        },
+        [&](Session& session) {
+            session.load();
+            plugin.WebView_captureScreenshot(session.view(), "late");
+            plugin.WebView_executeJavaScript(session.view(), "0", "late");
+            plugin.WebView_loadUrl(session.view(), "file:///C:/pages/page.html");
+        },
+        [&](Session& session) {
+            session.load();
+            engine.offerDevice(false);
+            plugin.WebView_resize(session.view(), 50, 50);
+        },
+        [](Session& session) {
+            session.destroy();
+            session.destroy();
+        },
+    };
+    for (const auto& reach : states) {
+        for (const bool preview : {false, true}) {
+            Session session(engine, 30, 20, preview);
+            reach(session);
+            session.destroy();
+            // Calls that come too late.
+            plugin.WebView_loadHtml(session.view(), "<p>");
+            plugin.WebView_executeJavaScript(session.view(), "1", "too late");
+            plugin.WebView_resize(session.view(), 10, 10);
+            session.turn();
+        }
+        engine.offerDevice(true);
+    }
+    for (const auto& record : engine.recorder().all()) {
+        check(record.payload.find("too late") == std::string::npos, "a destroyed view answers");
+    }
+}
+
+bool noted(const std::wstring& event) {
+    return eventually([&] { return world().hasNoted(event); });
+}
+
+void requests(Engine& engine) {
+    using enum controls::WebViewPermissionType;
+    const auto& plugin = engine.plugin();
+    Session session(engine, 30, 20);
+    session.load();
+    for (const bool allowed : {false, true}) {
+        plugin.WebView_setCameraAndMicrophoneEnabled(allowed);
+        plugin.WebView_setGeolocationEnabled(allowed);
+        for (const auto type : {Media, Geolocation, WebNotifications}) {
+            world().clearNotes();
+            app::requestPermission(type);
+            check(noted(allowed && type != WebNotifications ? L"allowed" : L"denied"), "a permission");
+        }
+    }
+    const auto from = engine.recorder().position();
+    app::requestNewWindow(L"http://site.example/new");
+    session.waitForLoad(from);
+    check(std::ranges::any_of(
+              engine.recorder().since(from),
+              [](const auto& record) { return record.payload.ends_with("site.example/new\" }}"); }),
+          "a new window opens in the view");
+    app::requestNewWindow(L"ms-local-stream://app_ZarvikLocal/file/C:/pages/page.html");
+    check(std::ranges::any_of(engine.recorder().since(from),
+                              [](const auto& record) {
+                                  return record.payload.find("isn't allowed to open the local content") !=
+                                         std::string::npos;
+                              }),
+          "a page cannot open local content");
+
+    session.load();
+    world().setScript(L"transparent", {L"", S_OK, L"zarvik.webview.pageTransparencyDetermined true"});
+    world().setScript(L"opaque", {L"", S_OK, L"zarvik.webview.pageTransparencyDetermined false"});
+    world().clearNotes();
+    session.evaluate("transparent");
+    check(noted(L"transparent"), "a transparent page");
+    check(!world().hasNoted(L"opaque"), "a transparent page only");
+    session.evaluate("opaque");
+    check(noted(L"opaque"), "an opaque page");
+    check(noted(L"eval: _zarvikInternal.setDefaultBackground()"), "an opaque page gets a background");
+    plugin.WebView_click(session.view(), 3, 4);
+    check(noted(L"eval: _zarvikInternal.pointerInputManager.click(3, 4);"), "a click");
+    plugin.WebView_sendKey(session.view(), "'");
+    check(noted(L"eval: _zarvikInternal.keyboardInputManager.sendKey('\\'');"), "a key");
+    plugin.WebView_clearAllData();
+    check(noted(L"data cleared"), "all data cleared");
+    plugin.WebView_handleMixedRealityAppFocusChanged(false);
+    check(noted(L"content removed"), "the focus is lost");
+    plugin.WebView_handleMixedRealityAppFocusChanged(true);
+    check(noted(L"content set"), "the focus is back");
+    plugin.WebView_globallySetUserAgent("agent");
+    plugin.WebView_globallySetUserAgentToMobile(false);
+    plugin.WebView_loadUrl(session.view(), "file:///C:/pages/document.pdf");
+    check(noted(L"content: <!"), "the viewer page is served");
+    check(session.evaluate("0") == "0", "the view is in order");
+}
+
+void places(Engine& engine) {
+    world().panelIsNested = true;
+    {
+        Session session(engine, 30, 20);
+        session.load();
+        check(session.shows(30, 20), "a panel further inside");
+    }
+    world().panelIsNested = false;
+    world().hasPanel = false;
+    {
+        Session session(engine, 30, 20);
+        session.load();
+    }
+    world().hasPanel = true;
+}
+
+}  // namespace
+
+void playRendering(Engine& engine) {
+    engine.offerDevice(true);
+    const auto step = [&](const char* name, void (*part)(Engine&)) {
+        app::beginStep(name);
+        part(engine);
+    };
+    step("every path and row length", everyPathAndRowLength);
+    step("sizes", sizes);
+    step("screenshots", screenshots);
+    step("pauses", pauses);
+    step("requests", requests);
+    step("places", places);
+    for (const auto& record : engine.recorder().all()) {
+        const bool fromUI = record.thread == app::uiThread().identifier();
+        if (record.kind == Engine::Record::Kind::message) {
+            check(fromUI || record.method == "HandleTextureChanged",
+                  record.method + " came from another thread");
+        }
+    }
+    step("endings", endings);
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Engine.h"
+#include "World.h"
+
+/// Asks until it is true; false after some seconds.
+template <typename Condition>
+bool eventually(Condition condition) {
+    for (int attempt = 0; attempt < 2500; ++attempt) {
+        if (condition()) {
+            return true;
+        }
+        Sleep(2);
+    }
+    return false;
+}
+
+/// One offscreen web view of the engine and the textures that it announces.
+class Session {
+  public:
+    Session(Engine& engine, int width, int height, bool alwaysCapturePreview = false);
+    /// Destroys the view, if that has not been done, and waits until nothing is left of its control.
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    UwpWebView* view() const { return instance; }
+    void destroy() { engine.plugin().WebView_destroy(instance); }
+
+    void load();
+    /// Waits for the end of a load since a position of the recorder.
+    void waitForLoad(std::size_t from);
+    /// A script's result, or "nothing".
+    std::string evaluate(const std::string& script) const;
+    /// One turn of the render thread.
+    void turn();
+    /// Waits until the texture shows the picture of now in this size. Of the texture's last columns and rows
+    /// as many are left out of account as `ignored` says.
+    bool shows(UINT width, UINT height, UINT ignored = 0);
+    /// The data that answer a request.
+    std::vector<std::uint8_t> data(const std::string& id) const;
+    std::size_t announcements() const { return textures.size(); }
+
+  private:
+    Engine& engine;
+    std::string target;
+    UwpWebView* instance;
+    std::int32_t key;
+    std::size_t start;
+    std::size_t heard;
+    /// With a reference of our own to each.
+    std::vector<winrt::com_ptr<ID3D11ShaderResourceView>> textures;
+};
