@@ -37,7 +37,8 @@ struct Case {
     std::vector<Line> lines;
     /// Throws std::exception with the reason if it cannot be measured.
     std::function<Figures(Subject&, const Settings&)> measure;
-    double rate = 60;  // turns of the engine's render thread per second
+    double rate = 60;             // turns of the engine's render thread per second
+    bool onOneProcessor = false;  // whether all processes of a side share one
 };
 
 /// In the order of the table.

@@ -7,8 +7,11 @@
 namespace zarvik::bench {
 
 const std::vector<Case>& cases() {
-    static const std::vector<Case> all{elementsCase(), canvasCase(), stillCase(),     scriptsCase(),
-                                       messagesCase(), inputCase(),  fastInputCase(), pdfCase()};
+    static const std::vector<Case> all{elementsCase(),       canvasCase(),
+                                       stillCase(),          pipelinedScriptsCase(),
+                                       awaitedScriptsCase(), awaitedScriptsOnOneProcessorCase(),
+                                       messagesCase(),       inputCase(),
+                                       fastInputCase(),      pdfCase()};
     return all;
 }
 

@@ -49,19 +49,19 @@ class ScriptSender {
     std::uint64_t sent = 0;
 };
 
+/// Measures scripts of which so many are under way at once.
+template <std::uint64_t underWay>
 Figures measureScripts(Subject& subject, const Settings& settings) {
     subject.show(scriptPage());
     ScriptSender sender(subject);
-    Figures figures;
-    const auto measure = [&](std::uint64_t underWay, const std::string& rate, const std::string& cost) {
-        sender.run(underWay, scriptWarmUp);
-        const auto [results, measured] = sender.run(underWay, Seconds(settings.seconds));
-        figures[rate] = results / measured.seconds;
-        figures[cost] = 1e6 * measured.treeTime / results;
-    };
-    measure(1, "awaited", "awaitedCost");
-    measure(pipelineDepth, "pipelined", "pipelinedCost");
-    return figures;
+    sender.run(underWay, scriptWarmUp);
+    const auto [results, measured] = sender.run(underWay, Seconds(settings.seconds));
+    return {{"rate", results / measured.seconds}, {"cost", 1e6 * measured.treeTime / results}};
+}
+
+std::vector<Line> scriptLines(Target target) {
+    return {{"rate", "per second", "%.0f", target},
+            {"cost", "  CPU of all processes, us per result", "%.0f"}};
 }
 
 std::string postingScript(std::uint64_t begin, std::uint64_t end) {
@@ -92,20 +92,26 @@ Figures measureMessages(Subject& subject, const Settings& settings) {
 
 }  // namespace
 
-Case scriptsCase() {
+Case pipelinedScriptsCase() {
     return {.name = "scripts",
-            .title = "script results",
-            .lines = {{"awaited",
-                       "per second, each awaited",
-                       "%.0f",
-                       {">= 2000", [](double library, double) { return library >= 2000; }}},
-                      {"awaitedCost", "  CPU of all processes, us per result", "%.0f"},
-                      {"pipelined",
-                       "per second, 256 under way",
-                       "%.0f",
-                       {">= 20000", [](double library, double) { return library >= 20000; }}},
-                      {"pipelinedCost", "  CPU of all processes, us per result", "%.0f"}},
-            .measure = measureScripts};
+            .title = "script results, 256 under way",
+            .lines = scriptLines({">= 20000", [](double library, double) { return library >= 20000; }}),
+            .measure = measureScripts<pipelineDepth>};
+}
+
+Case awaitedScriptsCase() {
+    return {.name = "scripts-awaited",
+            .title = "script results, each awaited",
+            .lines = scriptLines({}),
+            .measure = measureScripts<1>};
+}
+
+Case awaitedScriptsOnOneProcessorCase() {
+    return {.name = "scripts-one-cpu",
+            .title = "script results, each awaited, everything on one processor",
+            .lines = scriptLines({">= 2000", [](double library, double) { return library >= 2000; }}),
+            .measure = measureScripts<1>,
+            .onOneProcessor = true};
 }
 
 Case messagesCase() {

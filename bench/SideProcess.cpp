@@ -1,5 +1,6 @@
 #include "SideProcess.h"
 
+#include <sched.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -67,6 +68,23 @@ std::string describeEnd(int status) {
                                        : "its process died of signal " + std::to_string(WTERMSIG(status));
 }
 
+/// This process and those that it starts run on the first of its processors from now on.
+void stayOnOneProcessor() {
+    cpu_set_t processors;
+    if (sched_getaffinity(0, sizeof(processors), &processors) != 0) {
+        throw std::system_error(errno, std::generic_category(), "Asking for the processors");
+    }
+    std::size_t first = 0;
+    while (!CPU_ISSET(first, &processors)) {
+        ++first;
+    }
+    CPU_ZERO(&processors);
+    CPU_SET(first, &processors);
+    if (sched_setaffinity(0, sizeof(processors), &processors) != 0) {
+        throw std::system_error(errno, std::generic_category(), "Choosing a processor");
+    }
+}
+
 }  // namespace
 
 const char* nameOf(Side side) {
@@ -75,6 +93,9 @@ const char* nameOf(Side side) {
 
 void runSide(Side side, const Case& measured, const Settings& settings) {
     alarm(patience(settings));  // ends this process if it hangs
+    if (measured.onOneProcessor) {
+        stayOnOneProcessor();
+    }
     const auto subject =
         side == Side::library ? makeLibrarySubject(settings.rate.value_or(measured.rate)) : makeBareSubject();
     std::cout << toText(measured.measure(*subject, settings)) << std::flush;
