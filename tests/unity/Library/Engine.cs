@@ -24,7 +24,17 @@ namespace Zarvik.Orvella.LibraryTests
 
         internal static int RenderThreadId { get; private set; }
 
-        internal static void Start()
+        /// <summary>Makes this thread the engine's main thread.</summary>
+        internal static void Use()
+        {
+            if (RenderThreadId == 0)
+            {
+                Start();
+            }
+            SynchronizationContext.SetSynchronizationContext(Context);
+        }
+
+        private static void Start()
         {
             string path = Environment.GetEnvironmentVariable("ZARVIK_LIBRARY") ??
                 throw new InvalidOperationException("ZARVIK_LIBRARY must be the path of libZarvikOrvella.so.");
@@ -38,7 +48,6 @@ namespace Zarvik.Orvella.LibraryTests
             thread.Start();
             RenderThreadId = thread.ManagedThreadId;
             UnityEngine.GL.PluginEvents = IssuePluginEvent;
-            SynchronizationContext.SetSynchronizationContext(Context);
             WebViewHost.Logged += (severity, line) =>
             {
                 if (severity == LogSeverity.Error)

@@ -5,6 +5,7 @@ using System.Reflection;
 using System.Runtime.CompilerServices;
 using System.Runtime.InteropServices;
 using System.Text.RegularExpressions;
+using Newtonsoft.Json.Linq;
 using NUnit.Framework;
 using UnityEditor;
 using UnityEngine.Rendering;
@@ -68,18 +69,15 @@ namespace Zarvik.Orvella.LibraryTests
         [Test]
         public void TheManifestIsThatOfTheLibrary()
         {
-            Assert.IsTrue(Json.TryParse(File.ReadAllText(Path.Combine(Package, "package.json")), out object value));
-            var manifest = (Dictionary<string, object>)value;
+            JObject manifest = JObject.Parse(File.ReadAllText(Path.Combine(Package, "package.json")));
             string cmake = File.ReadAllText(Path.Combine(Package, "../CMakeLists.txt"));
             Assert.IsTrue(cmake.Contains("VERSION " + manifest["version"] + " "), "the versions differ");
             Assert.IsTrue(File.ReadAllText(Path.Combine(Package, "CHANGELOG.md")).Contains("## [" + manifest["version"] + "]"));
-            var sample = (Dictionary<string, object>)((List<object>)manifest["samples"])[0];
-            Assert.IsTrue(Directory.Exists(Path.Combine(Package, (string)sample["path"])));
+            Assert.IsTrue(Directory.Exists(Path.Combine(Package, (string)manifest["samples"][0]["path"])));
             foreach (string file in Directory.EnumerateFiles(Package, "*.asmdef", SearchOption.AllDirectories))
             {
-                Assert.IsTrue(Json.TryParse(File.ReadAllText(file), out object definition), file);
                 Assert.AreEqual(
-                    Path.GetFileNameWithoutExtension(file), ((Dictionary<string, object>)definition)["name"]);
+                    Path.GetFileNameWithoutExtension(file), (string)JObject.Parse(File.ReadAllText(file))["name"]);
             }
         }
 

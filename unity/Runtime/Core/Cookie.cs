@@ -1,7 +1,7 @@
 using System;
 using System.Collections.Generic;
-using System.Globalization;
-using System.Text;
+using Newtonsoft.Json;
+using Newtonsoft.Json.Linq;
 
 namespace Zarvik.Orvella
 {
@@ -42,14 +42,13 @@ namespace Zarvik.Orvella
         internal static IReadOnlyList<Cookie> ReadAll(string json)
         {
             var cookies = new List<Cookie>();
-            if (!Json.TryParse(json, out object value) || !(value is Dictionary<string, object> answer) ||
-                !answer.TryGetValue("Items", out object items) || !(items is List<object> list))
+            if (!Json.TryParse(json, out JObject answer) || !(answer["Items"] is JArray items))
             {
                 throw new FormatException("The library's list of cookies cannot be read.");
             }
-            foreach (object item in list)
+            foreach (JToken item in items)
             {
-                if (item is Dictionary<string, object> members)
+                if (item is JObject members)
                 {
                     cookies.Add(Read(members));
                 }
@@ -59,49 +58,42 @@ namespace Zarvik.Orvella
 
         internal string ToJson()
         {
-            var json = new StringBuilder();
-            AppendText(json.Append('{'), "Name", Name);
-            AppendText(json.Append(','), "Value", Value);
-            AppendText(json.Append(','), "Domain", Domain);
-            AppendText(json.Append(','), "Path", Path);
-            json.Append(",\"HttpOnly\":").Append(IsHttpOnly ? "true" : "false");
-            json.Append(",\"Secure\":").Append(IsSecure ? "true" : "false");
-            json.Append(",\"ExpirationDate\":");
-            if (ExpirationDate is DateTime date)
+            return new JObject
             {
-                var seconds = (long)(date.ToUniversalTime() - Epoch).TotalSeconds;
-                json.Append(seconds.ToString(CultureInfo.InvariantCulture));
-            }
-            else
-            {
-                json.Append("null");
-            }
-            return json.Append('}').ToString();
+                ["Name"] = Name,
+                ["Value"] = Value,
+                ["Domain"] = Domain,
+                ["Path"] = Path ?? string.Empty,
+                ["HttpOnly"] = IsHttpOnly,
+                ["Secure"] = IsSecure,
+                ["ExpirationDate"] = ExpirationDate is DateTime date
+                    ? new JValue((long)(date.ToUniversalTime() - Epoch).TotalSeconds)
+                    : JValue.CreateNull(),
+            }.ToString(Formatting.None);
         }
 
-        private static Cookie Read(Dictionary<string, object> members)
+        private static Cookie Read(JObject members)
         {
             return new Cookie(Text(members, "Name"), Text(members, "Value"), Text(members, "Domain"))
             {
                 Path = Text(members, "Path"),
-                IsHttpOnly = members.TryGetValue("HttpOnly", out object httpOnly) && httpOnly is true,
-                IsSecure = members.TryGetValue("Secure", out object secure) && secure is true,
-                ExpirationDate = members.TryGetValue("ExpirationDate", out object date) && date is double seconds
-                    ? Epoch.AddSeconds(seconds)
-                    : (DateTime?)null,
+                IsHttpOnly = IsTrue(members["HttpOnly"]),
+                IsSecure = IsTrue(members["Secure"]),
+                ExpirationDate = members["ExpirationDate"] is JToken date &&
+                    (date.Type == JTokenType.Integer || date.Type == JTokenType.Float)
+                        ? Epoch.AddSeconds((double)date)
+                        : (DateTime?)null,
             };
         }
 
-        private static string Text(Dictionary<string, object> members, string key)
+        private static string Text(JObject members, string name)
         {
-            return members.TryGetValue(key, out object value) && value is string text ? text : string.Empty;
+            return members.Text(name) ?? string.Empty;
         }
 
-        private static void AppendText(StringBuilder json, string name, string value)
+        private static bool IsTrue(JToken value)
         {
-            Json.AppendString(json, name);
-            json.Append(':');
-            Json.AppendString(json, value ?? string.Empty);
+            return value?.Type == JTokenType.Boolean && (bool)value;
         }
     }
 }

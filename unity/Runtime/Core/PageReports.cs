@@ -1,5 +1,5 @@
 using System;
-using System.Collections.Generic;
+using Newtonsoft.Json.Linq;
 
 namespace Zarvik.Orvella
 {
@@ -99,36 +99,35 @@ namespace Zarvik.Orvella
         {
             // Most messages are the page's own: they are not taken apart.
             if (message.IndexOf(TypePrefix, StringComparison.Ordinal) < 0 ||
-                !Json.TryParse(message, out object value) || !(value is Dictionary<string, object> report))
+                !Json.TryParse(message, out JObject report))
             {
                 return false;
             }
-            switch (Text(report, "type"))
+            switch (report.Text("type"))
             {
                 case "zarvik.webview.urlChanged":
                     return DispatchUrl(report, reports);
-                case "zarvik.webview.titleChanged" when Text(report, "value") is string title:
+                case "zarvik.webview.titleChanged" when report.Text("value") is string title:
                     reports.OnTitle(title);
                     return true;
-                case "zarvik.webview.focusedInputFieldChanged" when Text(report, "value") is string field:
+                case "zarvik.webview.focusedInputFieldChanged" when report.Text("value") is string field:
                     reports.OnFocusedInputField(field == "TEXT" ? FocusedInputField.Text : FocusedInputField.None);
                     return true;
-                case "zarvik.webview.consoleMessageLogged" when Text(report, "message") is string text:
-                    reports.OnConsoleMessage(new ConsoleMessage(LevelOf(Text(report, "level")), text));
+                case "zarvik.webview.consoleMessageLogged" when report.Text("message") is string text:
+                    reports.OnConsoleMessage(new ConsoleMessage(LevelOf(report.Text("level")), text));
                     return true;
                 default:
                     return false;
             }
         }
 
-        private static bool DispatchUrl(Dictionary<string, object> report, IPageReports reports)
+        private static bool DispatchUrl(JObject report, IPageReports reports)
         {
-            if (!report.TryGetValue("urlAction", out object value) || !(value is Dictionary<string, object> action) ||
-                !(Text(action, "Url") is string url))
+            if (!(report["urlAction"] is JObject action) || !(action.Text("Url") is string url))
             {
                 return false;
             }
-            reports.OnUrl(new UrlChange(url, KindOf(Text(action, "Type"))));
+            reports.OnUrl(new UrlChange(url, KindOf(action.Text("Type"))));
             return true;
         }
 
@@ -160,11 +159,6 @@ namespace Zarvik.Orvella
                 default:
                     return ConsoleMessageLevel.Log;
             }
-        }
-
-        private static string Text(Dictionary<string, object> report, string key)
-        {
-            return report.TryGetValue(key, out object value) ? value as string : null;
         }
     }
 }

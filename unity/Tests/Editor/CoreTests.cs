@@ -1,7 +1,7 @@
 using System;
 using System.Collections.Generic;
 using System.Globalization;
-using System.Text;
+using System.Linq;
 using System.Threading;
 using System.Threading.Tasks;
 using NUnit.Framework;
@@ -75,41 +75,18 @@ namespace Zarvik.Orvella.Tests
         }
 
         [Test]
-        public void JsonIsReadAndWritten()
+        public void ReportsAreReadAsTheyStandAndEverythingElseIsThePagesOwn()
         {
-            const string Text = " {\"a\" : [1, -2.5e1, true, false, null, \"\\u00e9\\n\\\\\"], \"b\":{\"c\":{}}} ";
-            Assert.IsTrue(Json.TryParse(Text, out object value));
-            var members = (Dictionary<string, object>)value;
-            Assert.AreEqual(new object[] { 1.0, -25.0, true, false, null, "\u00e9\n\\" }, (List<object>)members["a"]);
-            Assert.AreEqual(1, ((Dictionary<string, object>)members["b"]).Count);
+            var reports = new ReportRecorder();
+            const string Title = "{\"type\":\"zarvik.webview.titleChanged\",\"value\":\"2026-01-31T12:00:00Z\"}";
+            Assert.IsTrue(PageReportReader.TryDispatch(Title, reports));
+            Assert.AreEqual("2026-01-31T12:00:00Z", reports.Title);
 
-            const string Hard = "a\"b\\c\u0001\n\u00e9\U0001F600";
-            var builder = new StringBuilder();
-            Json.AppendString(builder, Hard);
-            Assert.IsTrue(Json.TryParse(builder.ToString(), out object back));
-            Assert.AreEqual(Hard, back);
-        }
-
-        [TestCase("")]
-        [TestCase("{")]
-        [TestCase("{\"a\"}")]
-        [TestCase("{\"a\":1,}")]
-        [TestCase("[1 2]")]
-        [TestCase("\"open")]
-        [TestCase("\"\\x\"")]
-        [TestCase("\"\\u12\"")]
-        [TestCase("nul")]
-        [TestCase("1 1")]
-        [TestCase("--1")]
-        public void WhatIsNoJsonIsRefused(string text)
-        {
-            Assert.IsFalse(Json.TryParse(text, out _));
-        }
-
-        [Test]
-        public void DeepJsonIsRefusedInsteadOfOverflowingTheStack()
-        {
-            Assert.IsFalse(Json.TryParse(new string('[', 1_000_000), out _));
+            Assert.IsFalse(PageReportReader.TryDispatch(Title + "1", reports));
+            Assert.IsFalse(PageReportReader.TryDispatch(Title.Replace("\"2026-01-31T12:00:00Z\"", "1"), reports));
+            Assert.IsFalse(PageReportReader.TryDispatch("[" + Title + "]", reports));
+            string deep = string.Concat(Enumerable.Repeat("{\"zarvik.webview.x\":", 100_000));
+            Assert.IsFalse(PageReportReader.TryDispatch(deep, reports));
         }
 
         [Test]
@@ -137,6 +114,19 @@ namespace Zarvik.Orvella.Tests
             {
                 Thread.CurrentThread.CurrentCulture = before;
             }
+        }
+
+        private sealed class ReportRecorder : IPageReports
+        {
+            internal string Title { get; private set; }
+
+            public void OnTitle(string title) => Title = title;
+
+            public void OnUrl(UrlChange change) => Assert.Fail("a URL");
+
+            public void OnFocusedInputField(FocusedInputField field) => Assert.Fail("a field");
+
+            public void OnConsoleMessage(ConsoleMessage message) => Assert.Fail("a console message");
         }
     }
 }
