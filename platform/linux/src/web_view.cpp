@@ -5,6 +5,7 @@
 #include <set>
 
 #include "native_window.h"
+#include "offscreen_window.h"
 #include "user_agent.h"
 #include "web_context.h"
 #include "web_view_arguments.h"
@@ -113,7 +114,7 @@ web_view_object::web_view_object() {
     ui_thread::require_current();
     follow_user_agent();
     widget = gobject_ptr<GtkWidget>::share(make_widget());
-    offscreen_window = gobject_ptr<GtkWidget>::share(gtk_offscreen_window_new());
+    offscreen_window = gobject_ptr<GtkWidget>::share(make_offscreen_window());
     set_feature("NavigationAPI", true);
     set_feature("DownloadAttribute", false);
     set_feature("UseDamagingInformationForCompositing", true);
