@@ -12,7 +12,7 @@ packages=(
     clang-19 lld-19 libclang-rt-19-dev clang-format-19 clang-tidy-19
     cmake:cmake ninja-build:ninja pkg-config:pkg-config nodejs:node npm:npm ca-certificates
     # the Windows Runtime slice
-    libwebkit2gtk-4.1-dev mingw-w64-common nlohmann-json3-dev
+    libwebkit2gtk-4.1-dev libgstreamer1.0-dev mingw-w64-common nlohmann-json3-dev
     # the engine and its player
     libepoxy-dev libegl-dev libgles-dev libglfw3-dev libcli11-dev libpng-dev
     # the tests

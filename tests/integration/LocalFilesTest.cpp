@@ -26,7 +26,9 @@ TEST_F(LocalFilesTest, APageHasItsOwnResourcesWhateverTheFolderIsCalled) {
     folder.write(name + "/classic.js", "found.push('script')");
     folder.write(name + "/module.js", "import { word } from './sub/other.js'; found.push(word)");
     folder.write(name + "/sub/other.js", "export const word = 'module'");
-    folder.write(name + "/style.css", "body { width: 123px }");
+    folder.write(name + "/style.css",
+                 "body { width: 123px } @font-face { font-family: own; src: url(font.ttf) }");
+    folder.write(name + "/font.ttf", readFile("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"));
     folder.write(name + "/worker.js", "postMessage('worker')");
     folder.write(name + "/data ü.json", R"({"text": "fetched"})");
     folder.write(name + "/image.svg", R"(<svg xmlns="http://www.w3.org/2000/svg" width="37" height="9"/>)");
@@ -36,6 +38,7 @@ TEST_F(LocalFilesTest, APageHasItsOwnResourcesWhateverTheFolderIsCalled) {
             fetch('data ü.json').then((response) => response.json()).then((data) => found.push(data.text));
             fetch('classic.js', { headers: { Range: 'bytes=6-9' } }).then(async (response) =>
                 found.push(response.status + await response.text()));
+            onload = () => document.fonts.load('20px own').then(([font]) => found.push('font ' + font.status));
             fetch('missing.js').catch(() => found.push('missing'));
             new Worker('worker.js').onmessage = (event) => found.push(event.data);
         </script>)");
@@ -44,7 +47,8 @@ TEST_F(LocalFilesTest, APageHasItsOwnResourcesWhateverTheFolderIsCalled) {
               (std::vector<std::string>{urlChanged(fileUrl(page)), "HandleLoadStarted",
                                         "HandleLoadProgressUpdate 0.33", "HandleLoadProgressUpdate 0.66",
                                         "HandleLoadFinished"}));
-    EXPECT_TRUE(waitForResult(view, "found.sort().join()", "206push,fetched,missing,module,script,worker"))
+    EXPECT_TRUE(waitForResult(view, "found.sort().join()",
+                              "206push,fetched,font loaded,missing,module,script,worker"))
         << evaluate("found.join()");
     EXPECT_EQ(evaluate("[document.body.clientWidth, document.images[0].width].join()"), "123,37");
 }

@@ -6,7 +6,8 @@
 //   runTasks(element, count)  clicks on the element so many times, each time as a task of its own
 //   answer(number, text)      ends a call
 //
-// All are for the top document only, and pages do not see that world.
+// All are for the top document only, and pages do not see that world. It also lets local pages play local
+// media.
 
 #include <gio/gunixfdlist.h>
 #include <sys/uio.h>
@@ -16,6 +17,7 @@
 #include <memory>
 
 #include "answer.h"
+#include "local_media.h"
 
 namespace {
 
@@ -100,6 +102,7 @@ void on_window_object_cleared(WebKitScriptWorld* world, WebKitWebPage* web_page,
     if (!webkit_frame_is_main_frame(frame)) {
         return;
     }
+    offer_local_media(web_page);
     JSCContext* const own = webkit_frame_get_js_context_for_script_world(frame, world);
     JSCContext* const page = webkit_frame_get_js_context(frame);
     set(own, "page", jsc_context_get_global_object(page));
@@ -131,6 +134,7 @@ void on_page_created(WebKitWebExtension*, WebKitWebPage* page, gpointer) {
 }  // namespace
 
 extern "C" G_MODULE_EXPORT void webkit_web_extension_initialize(WebKitWebExtension* extension) {
+    allow_local_media();
     g_signal_connect(extension, "page-created", G_CALLBACK(on_page_created), nullptr);
     // Kept for the life of the process.
     WebKitScriptWorld* const world = webkit_script_world_new_with_name("runtime");

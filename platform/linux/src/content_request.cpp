@@ -5,6 +5,7 @@
 #include <array>
 #include <optional>
 
+#include "../page_process/media_part.h"
 #include "content_stream.h"
 #include "content_type.h"
 #include "implementation.h"
@@ -76,17 +77,17 @@ std::optional<SoupRange> requested_range(SoupMessageHeaders* headers, uint64_t l
 
 }  // namespace
 
-content_request::content_request(WebKitURISchemeRequest* request)
-    : request(gobject_ptr<WebKitURISchemeRequest>::share(request)),
-      uri(webkit_uri_scheme_request_get_uri(request)) {}
+scheme_request::scheme_request(WebKitURISchemeRequest* request)
+    : content_request(webkit_uri_scheme_request_get_uri(request)),
+      request(gobject_ptr<WebKitURISchemeRequest>::share(request)) {}
 
-void content_request::refuse(int status, std::string const& reason) const {
+void scheme_request::refuse(int status, std::string const& reason) const {
     std::unique_ptr<GError, release_with<g_error_free>> const error(
         g_error_new_literal(platform_error_quark(), status, reason.c_str()));
     webkit_uri_scheme_request_finish_error(request.get(), error.get());
 }
 
-void content_request::answer(content const& content) const {
+void scheme_request::answer(content const& content) const {
     auto* const headers = soup_message_headers_new(SOUP_MESSAGE_HEADERS_RESPONSE);
     soup_message_headers_append(headers, "Accept-Ranges", "bytes");
     soup_message_headers_append(headers, "Content-Type", content.type.c_str());
@@ -116,6 +117,38 @@ void content_request::answer(content const& content) const {
     webkit_uri_scheme_response_set_content_type(response.get(), content.type.c_str());
     webkit_uri_scheme_response_set_http_headers(response.get(), headers);
     webkit_uri_scheme_request_finish_with_response(request.get(), response.get());
+}
+
+media_request::media_request(WebKitUserMessage* message, std::string uri, uint64_t begin)
+    : content_request(std::move(uri)),
+      message(gobject_ptr<WebKitUserMessage>::share(message)),
+      begin(begin) {}
+
+void media_request::refuse(int, std::string const&) const {
+    webkit_user_message_send_reply(message.get(), webkit_user_message_new(media_part_message, nullptr));
+}
+
+void media_request::answer(content const& content) const {
+    struct reading {
+        gobject_ptr<WebKitUserMessage> message;
+        uint64_t total;
+    };
+    auto const skipped = std::min(begin, content.length);
+    auto const stream = open_content(content.source, content.begin + skipped, content.length - skipped);
+    g_input_stream_read_bytes_async(
+        stream.get(), media_part_size, G_PRIORITY_DEFAULT, nullptr,
+        [](GObject* stream, GAsyncResult* result, gpointer data) {
+            std::unique_ptr<reading> const read(static_cast<reading*>(data));
+            std::unique_ptr<GBytes, release_with<g_bytes_unref>> const bytes(
+                g_input_stream_read_bytes_finish(G_INPUT_STREAM(stream), result, nullptr));
+            GVariant* const parameters =
+                bytes ? g_variant_new(media_part_answer, read->total,
+                                      g_variant_new_from_bytes(G_VARIANT_TYPE_BYTESTRING, bytes.get(), TRUE))
+                      : nullptr;
+            webkit_user_message_send_reply(read->message.get(),
+                                           webkit_user_message_new(media_part_message, parameters));
+        },
+        new reading{message, content.length});
 }
 
 winrt::fire_and_forget answer(std::shared_ptr<content_request> request, IUriToStreamResolver resolver) {

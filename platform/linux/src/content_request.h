@@ -10,16 +10,38 @@
 
 namespace runtime {
 
+struct content;
+
 /// A page's request for local content. It comes and goes on the user-interface thread.
 struct content_request : winrt::impl::object {
-    explicit content_request(WebKitURISchemeRequest* request);
+    explicit content_request(std::string uri) : uri(std::move(uri)) {}
 
     /// The answers of which a request needs one. User-interface thread only.
-    void refuse(int status, std::string const& reason) const;
-    void answer(struct content const& content) const;
+    virtual void refuse(int status, std::string const& reason) const = 0;
+    virtual void answer(content const& content) const = 0;
+
+    std::string const uri;
+};
+
+/// A request of the engine's, for all or a range of what an address stands for.
+struct scheme_request final : content_request {
+    explicit scheme_request(WebKitURISchemeRequest* request);
+
+    void refuse(int status, std::string const& reason) const override;
+    void answer(content const& content) const override;
 
     gobject_ptr<WebKitURISchemeRequest> const request;
-    std::string const uri;
+};
+
+/// A request of a media element's, for a piece from some place on.
+struct media_request final : content_request {
+    media_request(WebKitUserMessage* message, std::string uri, uint64_t begin);
+
+    void refuse(int status, std::string const& reason) const override;
+    void answer(content const& content) const override;
+
+    gobject_ptr<WebKitUserMessage> const message;
+    uint64_t const begin;
 };
 
 /// Answers a request with what the resolver gives, which it is asked for on a pool thread.

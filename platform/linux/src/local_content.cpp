@@ -6,6 +6,7 @@
 #include <array>
 #include <map>
 
+#include "../page_process/media_part.h"
 #include "content_request.h"
 #include "file_system.h"
 #include "glib_ptr.h"
@@ -63,17 +64,34 @@ bool is_foreign(WebKitURISchemeRequest* request) {
     });
 }
 
+void answer_or_refuse(std::shared_ptr<content_request> const& request, IUriToStreamResolver const& resolver) {
+    if (resolver) {
+        answer(request, resolver);
+    } else {
+        request->refuse(static_cast<int>(SOUP_STATUS_FORBIDDEN), "Local content is not for this page.");
+    }
+}
+
 void on_request(WebKitURISchemeRequest* request, gpointer) {
     auto const resolver = is_foreign(request)
                               ? nullptr
                               : resolver_for(webkit_uri_scheme_request_get_web_view(request),
                                              host_of(webkit_uri_scheme_request_get_uri(request)));
-    auto const own = make_ui_object<content_request>(request);
-    if (resolver) {
-        answer(own, resolver);
-    } else {
-        own->refuse(static_cast<int>(SOUP_STATUS_FORBIDDEN), "Local content is not for this page.");
+    answer_or_refuse(make_ui_object<scheme_request>(request), resolver);
+}
+
+/// A message of the page process, which nobody has to trust.
+gboolean on_user_message(WebKitWebView* view, WebKitUserMessage* message, gpointer) {
+    auto* const parameters = webkit_user_message_get_parameters(message);
+    if (g_strcmp0(webkit_user_message_get_name(message), media_part_message) != 0 || !parameters ||
+        !g_variant_is_of_type(parameters, G_VARIANT_TYPE(media_part_request))) {
+        return FALSE;
     }
+    char const* uri = nullptr;
+    guint64 begin = 0;
+    g_variant_get(parameters, "(&st)", &uri, &begin);
+    answer_or_refuse(make_ui_object<media_request>(message, uri, begin), resolver_for(view, host_of(uri)));
+    return TRUE;
 }
 
 /// The program's name as a part of a host.
@@ -114,6 +132,7 @@ void serve_local_content(WebKitWebView* view, std::string const& host, IUriToStr
         known = new resolvers();
         g_object_set_data_full(G_OBJECT(view), resolvers_key, known,
                                [](gpointer data) { delete static_cast<resolvers*>(data); });
+        g_signal_connect(view, "user-message-received", G_CALLBACK(on_user_message), nullptr);
     }
     known->insert_or_assign(host, resolver);
 }
