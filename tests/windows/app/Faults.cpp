@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <set>
 
-#include "Scenarios.h"
 #include "Session.h"
 
 namespace {

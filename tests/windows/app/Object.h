@@ -187,7 +187,6 @@ class As {
         face.answers[slot] = std::make_shared<Answer>(std::move(answer));
         face.slots.at(slot) =
             reinterpret_cast<void*>(+[](Face* self, Arguments... arguments) noexcept -> std::int32_t {
-                const winrt::com_ptr<Object> alive = keep(self->object);
                 try {
                     const std::size_t called = slotOf(method);
                     enter(self->object, {self->interfaceId, called});
@@ -198,12 +197,6 @@ class As {
                 }
             });
         return *this;
-    }
-
-    static winrt::com_ptr<Object> keep(Object& object) {
-        winrt::com_ptr<Object> kept;
-        kept.copy_from(&object);
-        return kept;
     }
 
     template <typename Result, typename... Parameters, typename Arguments>

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "Scenarios.h"
 #include "Session.h"
 
 namespace {

@@ -18,6 +18,11 @@ bool eventually(Condition condition) {
     return false;
 }
 
+// What the engine does with a device, one scenario each. Whatever is wrong is a finding.
+
+void playRendering(Engine& engine);
+void playFaults(Engine& engine);
+
 /// One offscreen web view of the engine and the textures that it announces.
 class Session {
   public:

@@ -32,15 +32,116 @@ struct View {
 
     controls::WebView projection() { return project<controls::WebView>(*object); }
 
+    /// Goes on in another turn, unless another navigation has begun.
+    void later(std::function<void()> step) {
+        uiThread().post([self = projection(), this, number = navigations->load(), step = std::move(step)] {
+            if (*navigations == number) {
+                step();
+            }
+        });
+    }
+
+    void finish(WebErrorStatus status) {
+        using I = controls::IWebViewNavigationCompletedEventArgs;
+        loading = false;
+        completed(projection(), arguments<I>()
+                                    .constant<&Methods<I>::get_IsSuccess>(status == WebErrorStatus::Unknown)
+                                    .constant<&Methods<I>::get_WebErrorStatus>(status));
+    }
+
     /// Lets the events of a navigation follow, each in a turn of its own.
     void navigate(const foundation::Uri& uri, std::optional<std::size_t> historyEntry = {},
-                  const IUriToStreamResolver& resolver = nullptr);
-    void show(const foundation::Uri& uri, std::optional<std::size_t> historyEntry);
-    void finish(WebErrorStatus status);
-    /// Goes on in another turn, unless another navigation has begun.
-    void later(std::function<void()> step);
-    foundation::IAsyncOperation<winrt::hstring> invoke(std::wstring name, std::wstring script);
-    winrt::fire_and_forget readLocal(foundation::Uri uri, IUriToStreamResolver resolver);
+                  const IUriToStreamResolver& resolver = nullptr) {
+        ++*navigations;
+        loading = true;
+        bridge = nullptr;
+        later([=, this, number = navigations->load()] {
+            using I = controls::IWebViewNavigationStartingEventArgs;
+            const auto cancelled = std::make_shared<bool>(false);
+            starting(projection(),
+                     arguments<I>().constant<&Methods<I>::get_Uri>(uri).on<&Methods<I>::put_Cancel>(
+                         [cancelled](bool cancel) { *cancelled = cancel; }));
+            if (*navigations != number || *cancelled) {
+                return;
+            }
+            const auto failures = world()->unreachable;
+            const auto failure = uri ? failures.find(textOf(uri)) : failures.end();
+            if (failure != failures.end()) {
+                later([this, status = failure->second] { finish(status); });
+            } else if (resolver) {
+                readLocal(uri, resolver);
+            } else {
+                show(uri, historyEntry);
+            }
+        });
+    }
+
+    /// The platform asks for the content on a thread of its own.
+    winrt::fire_and_forget readLocal(foundation::Uri uri, IUriToStreamResolver resolver) {
+        auto self = projection();
+        const std::uint32_t number = *navigations;
+        co_await winrt::resume_background();
+        bool found = false;
+        try {
+            const Bytes content = contentOf(co_await resolver.UriToStreamAsync(uri));
+            world()->note(L"content: " + std::wstring(content.begin(), content.end()));
+            found = true;
+        } catch (...) {
+            // Then the page is not there.
+        }
+        uiThread().post([self = std::move(self), this, uri, number, found] {
+            if (*navigations == number && found) {
+                show(uri, {});
+            } else if (*navigations == number) {
+                finish(WebErrorStatus::NotFound);
+            }
+        });
+    }
+
+    void show(const foundation::Uri& uri, std::optional<std::size_t> historyEntry) {
+        source = uri;
+        hasPage = true;
+        if (historyEntry) {
+            position = *historyEntry;
+        } else if (uri) {
+            history.resize(history.empty() ? 0 : position + 1, nullptr);
+            history.push_back(uri);
+            position = history.size() - 1;
+        }
+        later([this] {
+            contentLoading(projection(), arguments<controls::IWebViewContentLoadingEventArgs>());
+            later([this] {
+                domContentLoaded(projection(), arguments<controls::IWebViewDOMContentLoadedEventArgs>());
+                later([this] { finish(WebErrorStatus::Unknown); });
+            });
+        });
+    }
+
+    /// The script runs at once; only its end can be elsewhere, where nothing of the control may be kept.
+    foundation::IAsyncOperation<winrt::hstring> invoke(std::wstring name, std::wstring script) {
+        world()->note(name + L": " + script);
+        const EndOfOperation end;
+        const auto answer = world()->scripts[script];
+        const auto result = script.starts_with(L"innerWidth")
+                                ? std::format(L"{}x{}{}", width, height, visible ? L"" : L" hidden")
+                            : answer.current ? answer.current()
+                                             : answer.result;
+        const bool runs = hasPage;
+        const auto counter = navigations;
+        const std::uint32_t number = *counter;
+        if (!answer.posted.empty() && bridge) {
+            bridge.postMessage(answer.posted);
+        }
+        co_await end;
+        if (!runs || number != *counter) {
+            throw winrt::hresult_illegal_method_call();
+        }
+        // What a page throws, the helper that gives results turns into text.
+        if (FAILED(answer.failure) && name == L"eval") {
+            throw winrt::hresult_error(answer.failure);
+        }
+        co_return winrt::hstring(result);
+    }
 
     template <typename Event>
     using Events = winrt::event<foundation::TypedEventHandler<controls::WebView, Event>>;
@@ -67,114 +168,6 @@ struct View {
 
     static inline View* current = nullptr;
 };
-
-void View::later(std::function<void()> step) {
-    uiThread().post([self = projection(), this, number = navigations->load(), step = std::move(step)] {
-        if (*navigations == number) {
-            step();
-        }
-    });
-}
-
-void View::finish(WebErrorStatus status) {
-    using I = controls::IWebViewNavigationCompletedEventArgs;
-    loading = false;
-    completed(projection(), arguments<I>()
-                                .constant<&Methods<I>::get_IsSuccess>(status == WebErrorStatus::Unknown)
-                                .constant<&Methods<I>::get_WebErrorStatus>(status));
-}
-
-void View::navigate(const foundation::Uri& uri, std::optional<std::size_t> historyEntry,
-                    const IUriToStreamResolver& resolver) {
-    ++*navigations;
-    loading = true;
-    bridge = nullptr;
-    later([=, this, number = navigations->load()] {
-        using I = controls::IWebViewNavigationStartingEventArgs;
-        const auto cancelled = std::make_shared<bool>(false);
-        starting(projection(), arguments<I>().constant<&Methods<I>::get_Uri>(uri).on<&Methods<I>::put_Cancel>(
-                                   [cancelled](bool cancel) { *cancelled = cancel; }));
-        if (*navigations != number || *cancelled) {
-            return;
-        }
-        const auto failures = world()->unreachable;
-        const auto failure = uri ? failures.find(textOf(uri)) : failures.end();
-        if (failure != failures.end()) {
-            later([this, status = failure->second] { finish(status); });
-        } else if (resolver) {
-            readLocal(uri, resolver);
-        } else {
-            show(uri, historyEntry);
-        }
-    });
-}
-
-/// The platform asks for the content on a thread of its own.
-winrt::fire_and_forget View::readLocal(foundation::Uri uri, IUriToStreamResolver resolver) {
-    auto self = projection();
-    const std::uint32_t number = *navigations;
-    co_await winrt::resume_background();
-    bool found = false;
-    try {
-        const Bytes content = contentOf(co_await resolver.UriToStreamAsync(uri));
-        world()->note(L"content: " + std::wstring(content.begin(), content.end()));
-        found = true;
-    } catch (...) {
-        // Then the page is not there.
-    }
-    uiThread().post([self = std::move(self), this, uri, number, found] {
-        if (*navigations == number && found) {
-            show(uri, {});
-        } else if (*navigations == number) {
-            finish(WebErrorStatus::NotFound);
-        }
-    });
-}
-
-void View::show(const foundation::Uri& uri, std::optional<std::size_t> historyEntry) {
-    source = uri;
-    hasPage = true;
-    if (historyEntry) {
-        position = *historyEntry;
-    } else if (uri) {
-        history.resize(history.empty() ? 0 : position + 1, nullptr);
-        history.push_back(uri);
-        position = history.size() - 1;
-    }
-    later([this] {
-        contentLoading(projection(), arguments<controls::IWebViewContentLoadingEventArgs>());
-        later([this] {
-            domContentLoaded(projection(), arguments<controls::IWebViewDOMContentLoadedEventArgs>());
-            later([this] { finish(WebErrorStatus::Unknown); });
-        });
-    });
-}
-
-/// The script runs at once; only its end can be elsewhere, where nothing of the control may be kept.
-foundation::IAsyncOperation<winrt::hstring> View::invoke(std::wstring name, std::wstring script) {
-    world()->note(name + L": " + script);
-    const EndOfOperation end;
-    const auto answer = world()->scripts[script];
-    const auto result = script.starts_with(L"innerWidth")
-                            ? std::format(L"{}x{}{}", width, height, visible ? L"" : L" hidden")
-                        : answer.current ? answer.current()
-                                         : answer.result;
-    const bool runs = hasPage;
-    const auto counter = navigations;
-    const std::uint32_t number = *counter;
-    if (!answer.posted.empty() && bridge) {
-        bridge.postMessage(answer.posted);
-    }
-    co_await end;
-    if (!runs || number != *counter) {
-        throw winrt::hresult_illegal_method_call();
-    }
-    // What a page throws, the helper that gives results turns into text.
-    if (FAILED(answer.failure) && name == L"eval") {
-        throw winrt::hresult_error(answer.failure);
-    }
-    co_return winrt::hstring(result);
-}
 
 /// Lets an event of the view take handlers.
 template <auto event, auto method, typename Interface>

@@ -6,8 +6,7 @@
 
 #include "Engine.h"
 #include "Scenario.h"
-#include "Scenarios.h"
-#include "World.h"
+#include "Session.h"
 
 #include <urlmon.h>
 
