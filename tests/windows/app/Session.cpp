@@ -2,8 +2,6 @@
 
 using zarvik::host::Record;
 
-constexpr std::chrono::seconds patience{5};
-
 using app::check;
 
 Session::Session(Engine& engine, int width, int height, bool alwaysCapturePreview)
