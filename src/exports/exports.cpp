@@ -1,8 +1,10 @@
 // The exported functions: each copies its arguments and forwards to the web view or to the process-wide
 // subsystem. Nothing thrown inside leaves them.
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "exports/Cookies.h"
 #include "exports/Exceptions.h"
@@ -59,9 +61,25 @@ UwpWebView* createView(const char* failureText, Create create) {
     return nullptr;
 }
 
-/// Takes the web view apart on the UI thread and then gives up the engine's reference to it.
+/// How long the destruction of a web view waits for a dispatcher that takes no work.
+constexpr std::chrono::milliseconds pauseUntilDispatched{100};
+
+/// Takes the web view apart on the UI thread and then gives up the engine's reference to it. The engine asks
+/// only once, so this asks the dispatcher until it takes the work.
 foundation::IAsyncAction destroyView(std::shared_ptr<UwpWebView> view) {
-    co_await winrt::resume_foreground(uiDispatcher());
+    for (bool dispatched = false, logged = false; !dispatched;) {
+        try {
+            co_await winrt::resume_foreground(uiDispatcher());
+            dispatched = true;
+        } catch (...) {
+            if (!std::exchange(logged, true)) {
+                logUIThreadException();
+            }
+        }
+        if (!dispatched) {
+            co_await winrt::resume_after(pauseUntilDispatched);
+        }
+    }
     try {
         co_await view->teardown();
     } catch (...) {

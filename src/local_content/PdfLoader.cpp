@@ -15,8 +15,13 @@ struct PdfLoader::Download {
     /// Also ends a transfer that is about to start.
     void cancel() {
         cancelled = true;
-        if (transfer) {
-            transfer.Cancel();
+        try {
+            if (transfer) {
+                transfer.Cancel();
+            }
+        } catch (...) {
+            // Then it goes on, but whoever gives it up must be able to.
+            logUIThreadException();
         }
     }
 

@@ -1,5 +1,6 @@
 #include "exports/Exceptions.h"
 #include "exports/HostChannel.h"
+#include "offscreen/AtEnd.h"
 #include "offscreen/LogTexts.h"
 #include "offscreen/PageRenderer.h"
 #include "offscreen/UwpWebView3D.h"
@@ -21,8 +22,8 @@ constexpr std::chrono::milliseconds longestHold{25};
 
 foundation::IAsyncAction setAfter(std::chrono::milliseconds duration,
                                   std::shared_ptr<CompletionEvent> event) {
+    const AtEnd wake([&event] { event->set(); });
     co_await pauseOnUIThread(duration);
-    event->set();
 }
 
 }  // namespace
@@ -36,22 +37,17 @@ void UwpWebView3D::startCaptureLoop() {
     launch("capturing the page", captureLoop());
 }
 
-/// Decides whether the loop takes another picture.
-bool UwpWebView3D::startStep() {
-    if (destroyed) {
-        captureLoopRunning = false;
-        loopStopped.set();
-        return false;
-    }
-    captureLoopRunning = renderingEnabled;
-    return captureLoopRunning;
-}
-
 /// One picture after the other, at the rate that capturing achieves, until rendering is disabled or the view
 /// destroyed. Enabling the rendering again while a capture is in progress starts a second loop beside it.
 foundation::IAsyncAction UwpWebView3D::captureLoop() {
     const auto self = shared_from_this();
-    while (startStep()) {
+    ++captureLoopsRunning;
+    const AtEnd stop([this] {
+        if (--captureLoopsRunning == 0 && destroyed) {
+            loopStopped.set();
+        }
+    });
+    while (renderingEnabled && !destroyed) {
         bool failed = false;
         try {
             foundation::IAsyncAction capture{nullptr};
@@ -128,12 +124,14 @@ foundation::IAsyncAction UwpWebView3D::untilFrameTaken() {
         }
         frameTaken = taken;
     }
+    const AtEnd forget([this, &taken] {
+        const std::lock_guard lock(frameMutex);
+        if (frameTaken == taken) {
+            frameTaken.reset();
+        }
+    });
     launch("waiting for the engine to take a picture", setAfter(longestHold, taken));
     co_await *taken;
-    const std::lock_guard lock(frameMutex);
-    if (frameTaken == taken) {
-        frameTaken.reset();
-    }
 }
 
 void UwpWebView3D::reportCaptureFailure(const std::string& text) {

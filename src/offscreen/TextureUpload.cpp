@@ -2,6 +2,7 @@
 
 #include "exports/HostChannel.h"
 #include "exports/HostMessages.h"
+#include "offscreen/AtEnd.h"
 #include "offscreen/LogTexts.h"
 #include "offscreen/PixelCopy.h"
 #include "offscreen/UwpWebView3D.h"
@@ -14,10 +15,19 @@ void UwpWebView3D::render() {
         frame.swap(pendingFrame);
         taken.swap(frameTaken);
     }
+    if (destroyed || (frame && frame->bytes.empty())) {
+        frame = nullptr;
+    }
+    std::optional<HRESULT> uploaded;
+    const AtEnd tryAgain([this, &frame, &uploaded] {
+        if (frame && FAILED(uploaded.value_or(E_FAIL))) {
+            publishUnchanged = true;
+        }
+    });
     if (taken) {
         postToUIThread([taken] { taken->set(); });
     }
-    if (!frame || frame->bytes.empty() || destroyed) {
+    if (!frame) {
         return;
     }
     // A missing device was reported when the texture was made.
@@ -25,7 +35,6 @@ void UwpWebView3D::render() {
     if (const auto device = engineDevice()) {
         device->GetImmediateContext(context.put());
     }
-    std::optional<HRESULT> uploaded;
     winrt::com_ptr<ID3D11ShaderResourceView> announced;
     {
         const std::lock_guard lock(textureMutex);
@@ -33,9 +42,6 @@ void UwpWebView3D::render() {
             uploaded = upload(*frame, *context);
             announced = std::move(textureToAnnounce);
         }
-    }
-    if (!uploaded || FAILED(*uploaded)) {
-        publishUnchanged = true;
     }
     if (uploaded && FAILED(*uploaded)) {
         logError(log_texts::mapFailed + std::to_string(static_cast<std::int32_t>(*uploaded)));

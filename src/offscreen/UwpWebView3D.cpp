@@ -42,8 +42,15 @@ void UwpWebView3D::setRect(std::int32_t, std::int32_t, std::int32_t, std::int32_
 void UwpWebView3D::setVisible(bool) {}
 
 void UwpWebView3D::setRenderingEnabled(bool enabled) {
-    if (!renderingEnabled.exchange(enabled) && enabled) {
+    if (renderingEnabled.exchange(enabled) || !enabled) {
+        return;
+    }
+    try {
         postControlStep(*this, "setRenderingEnabled", [](UwpWebView3D& view) { view.startCaptureLoop(); });
+    } catch (...) {
+        // So that the next attempt is one.
+        renderingEnabled = false;
+        throw;
     }
 }
 
@@ -72,14 +79,14 @@ std::int32_t UwpWebView3D::getWidth() const {
 void UwpWebView3D::domContentLoadedStep() {
     UwpWebView::domContentLoadedStep();
     // A loop that runs already serves the next page too.
-    if (!captureLoopRunning) {
+    if (captureLoopsRunning == 0) {
         startCaptureLoop();
     }
 }
 
 foundation::IAsyncAction UwpWebView3D::teardown() {
     const auto self = shared_from_this();
-    if (captureLoopRunning) {
+    if (captureLoopsRunning > 0) {
         co_await loopStopped;
     }
     co_await UwpWebView::teardown();

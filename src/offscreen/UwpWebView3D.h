@@ -44,7 +44,6 @@ class UwpWebView3D : public UwpWebView {
     void applySize();
     void postApplySize();
     void startCaptureLoop();
-    bool startStep();
     foundation::IAsyncAction captureLoop();
     foundation::IAsyncAction captureFrame();
     foundation::IAsyncAction captureBitmap();
@@ -65,8 +64,8 @@ class UwpWebView3D : public UwpWebView {
     std::atomic<bool> renderingEnabled{true};
 
     // UI thread.
-    bool captureLoopRunning = false;
-    /// Happens when the capture loop notices that the view is being destroyed.
+    std::int32_t captureLoopsRunning = 0;
+    /// Happens when the last capture loop has ended because the view is being destroyed.
     CompletionEvent loopStopped;
     FrameTimer frameTimer;
     foundation::Rect visibleBounds{};

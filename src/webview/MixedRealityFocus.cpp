@@ -1,7 +1,5 @@
 #include "webview/MixedRealityFocus.h"
 
-#include <utility>
-
 #include "exports/HostChannel.h"
 #include "platform.h"
 #include "webview/LogTexts.h"
@@ -20,8 +18,9 @@ void handleMixedRealityAppFocusChanged(bool focused) {
     if (!focused) {
         saved.element = window.Content();
         window.Content(nullptr);
-    } else if (const auto content = std::exchange(saved.element, nullptr)) {
-        window.Content(content);
+    } else if (saved.element) {
+        window.Content(saved.element);
+        saved.element = nullptr;
     } else {
         logError(log_texts::noSavedWindowContent);
     }

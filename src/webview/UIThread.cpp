@@ -24,7 +24,6 @@ void postToUIThread(std::function<void()> handler) {
 
 foundation::IAsyncAction pauseOnUIThread(std::chrono::milliseconds duration) {
     co_await winrt::resume_after(duration);
-    co_await winrt::resume_foreground(uiDispatcher());
 }
 
 winrt::fire_and_forget launch(const char* purpose, foundation::IAsyncAction work) {

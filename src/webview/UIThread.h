@@ -13,7 +13,8 @@ winrt::Windows::UI::Core::CoreDispatcher uiDispatcher();
 /// order posted. What escapes the handler is logged. Throws if the dispatcher takes no handlers.
 void postToUIThread(std::function<void()> handler);
 
-/// Lets the UI thread do other work for this long; what awaits it continues on the UI thread.
+/// Lets the UI thread do other work for this long. What awaits it there continues there, without the
+/// dispatcher, which may be taking no work.
 foundation::IAsyncAction pauseOnUIThread(std::chrono::milliseconds duration);
 
 /// Lets a coroutine run that nobody waits for. What escapes it is logged as a failure of its purpose.

@@ -2,6 +2,8 @@
 // test tells them (app/).
 
 import assert from "node:assert/strict";
+import { spawn } from "node:child_process";
+import { once } from "node:events";
 import { existsSync, mkdirSync, readFileSync, symlinkSync, writeFileSync } from "node:fs";
 import { after, before, test } from "node:test";
 import { built, root, run, startDisplay, wine, withFolder } from "./builds.mjs";
@@ -13,8 +15,8 @@ const linuxLibrary = `${root}build/linux/libZarvikOrvella.so`;
 // A class is looked for in DLLs with the parts of its name, from the longest to the shortest. The shortest alone would
 // do, but slowly.
 const namespaces = [
-    "", "ApplicationModel.Core", "Data.Json", "Foundation", "Graphics.Display", "Graphics.Imaging", "Security.Cryptography",
-    "Storage", "Storage.Streams", "UI", "UI.ViewManagement", "UI.Xaml", "UI.Xaml.Controls", "UI.Xaml.Media",
+    "", "ApplicationModel.Core", "Data.Json", "Foundation", "Graphics.Display", "Graphics.Imaging",
+    "Networking.BackgroundTransfer", "Security.Cryptography", "Security.Cryptography.Core", "Storage", "Storage.Streams", "UI", "UI.ViewManagement", "UI.Xaml", "UI.Xaml.Controls", "UI.Xaml.Media",
     "UI.Xaml.Media.Imaging", "Web.Http", "Web.Http.Filters",
 ];
 
@@ -31,6 +33,23 @@ before(async () => {
 
 after(() => screen?.stop());
 
+/** Calls `work` with the URL of a web server that has the document "paper.pdf" and nothing else. */
+async function withServer(work) {
+    const program = `require("http").createServer((request, response) => {
+        const found = request.url === "/paper.pdf";
+        response.writeHead(found ? 200 : 404, { "Content-Type": found ? "application/pdf" : "text/plain" });
+        response.end(found ? "%PDF-1.4" : "");
+    }).listen(0, "127.0.0.1", function () { console.log(this.address().port); })`;
+    // In a process of its own, since this one waits for what it runs.
+    const server = spawn(process.execPath, ["-e", program], { stdio: ["ignore", "pipe", "inherit"] });
+    try {
+        const [port] = await once(server.stdout, "data");
+        return work(`http://127.0.0.1:${String(port).trim()}/`);
+    } finally {
+        server.kill();
+    }
+}
+
 /** What the program printed while it played a scenario, with the plug-in as it is or changed. */
 function play(scenario, change = (dll) => dll) {
     return withFolder((folder) => {
@@ -41,7 +60,8 @@ function play(scenario, change = (dll) => dll) {
         writeFileSync(`${folder}/ZarvikOrvella.dll`, change(readFileSync(built("x64", "ZarvikOrvella.dll"))));
         const environment = {
             DISPLAY: screen.display,
-            WINEDLLOVERRIDES: "cryptowinrt=d", // Wine's own class of that name does nothing yet.
+            // Wine's own classes of these names do nothing yet.
+            WINEDLLOVERRIDES: "cryptowinrt,windows.networking=d",
         };
         const { stdout } = wine([`${folder}/app.exe`, `Z:${folder}/ZarvikOrvella.dll`, scenario], environment);
         return stdout.replaceAll("\r\n", "\n");
@@ -64,7 +84,7 @@ test("the engine hears the same as on Linux", () => {
 });
 
 test("Linux says what is expected", { skip: !existsSync(linuxLibrary) && "the Linux build is not there" }, () =>
-    withFolder((folder) => {
+    withServer((server) => withFolder((folder) => {
         mkdirSync(`${folder}/pages`);
         writeFileSync(`${folder}/pages/page.html`, "<title>page</title><p>page");
         run("clang++-19", [
@@ -75,9 +95,9 @@ test("Linux says what is expected", { skip: !existsSync(linuxLibrary) && "the Li
         const environment = {
             DISPLAY: screen.display, NO_AT_BRIDGE: "1", XDG_DATA_HOME: `${folder}/data`, XDG_CACHE_HOME: `${folder}/cache`,
         };
-        const { stdout } = run(`${folder}/linux`, [linuxLibrary, `file://${folder}/pages/`], environment);
+        const { stdout } = run(`${folder}/linux`, [linuxLibrary, `file://${folder}/pages/`, server], environment);
         assert.equal(stdout, expected);
-    }));
+    })));
 
 test("pages reach the engine's texture, whatever the engine does meanwhile", () => {
     assert.equal(play("rendering"), "");

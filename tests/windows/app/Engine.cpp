@@ -1,28 +1,11 @@
 #include "Engine.h"
 
 #include "Object.h"
+#include "Scenario.h"
 
 namespace {
 
-Engine* current = nullptr;
 ID3D11Device* offeredDevice = nullptr;
-
-using Kind = zarvik::host::Record::Kind;
-
-void record(Kind kind, const char* target, const char* method, const char* payload) {
-    zarvik::host::Record record;
-    record.kind = kind;
-    record.thread = std::this_thread::get_id();
-    record.target = target;
-    record.method = method;
-    record.payload = payload;
-    current->recorder().add(std::move(record));
-}
-
-template <Kind kind>
-void log(const char* line) {
-    record(kind, "", "", line);
-}
 
 void* getInterface(std::uint64_t high, std::uint64_t low) {
     static IUnityGraphicsD3D11 graphics{[] { return offeredDevice; }};
@@ -135,22 +118,9 @@ Engine::Engine(const wchar_t* library) {
     realCreateTexture = replace(d3dDevice.get(), &ID3D11Device::CreateTexture2D, createTexture);
     realCreateView = replace(d3dDevice.get(), &ID3D11Device::CreateShaderResourceView, createView);
 
-    current = this;
+    calls = &connectRecorder(exports);
     static IUnityInterfaces interfaces{nullptr, nullptr, getInterface, nullptr};
     exports.UnityPluginLoad(&interfaces);
-    exports.WebView_setLogFunctions(log<Kind::info>, log<Kind::warning>, log<Kind::error>);
-    exports.WebView_setSendMessageFunction([](const char* target, const char* method, const char* payload) {
-        record(Kind::message, target, method, payload);
-    });
-    exports.WebView_setDataResultCallback(
-        [](const char* target, const char* id, const std::uint8_t* bytes, std::int32_t length) {
-            zarvik::host::Record record;
-            record.kind = Kind::data;
-            record.target = target;
-            record.method = id;
-            record.bytes.assign(bytes, bytes + length);
-            current->recorder().add(std::move(record));
-        });
 }
 
 void Engine::offerDevice(bool offered) {

@@ -34,8 +34,7 @@ class Engine {
     void offerDevice(bool offered);
 
     const zarvik::host::PluginExports& plugin() const { return exports; }
-    zarvik::host::Recorder& recorder() { return calls; }
-    ID3D11Device* device() const { return d3dDevice.get(); }
+    zarvik::host::Recorder& recorder() const { return *calls; }
 
     static inline DeviceFaults faults;
 
@@ -44,7 +43,7 @@ class Engine {
 
   private:
     zarvik::host::PluginExports exports{};
-    zarvik::host::Recorder calls;
+    zarvik::host::Recorder* calls = nullptr;
     winrt::com_ptr<ID3D11Device> d3dDevice;
     winrt::com_ptr<ID3D11DeviceContext> context;
 };

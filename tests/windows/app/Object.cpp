@@ -1,7 +1,6 @@
 #include "Object.h"
 
 #include <cstdio>
-#include <map>
 #include <mutex>
 
 #include "World.h"
@@ -11,40 +10,31 @@ namespace app {
 namespace {
 
 std::mutex mutex;
-std::map<std::wstring, int> living;
 std::string step = "start";
 std::atomic<int> steps;
 std::atomic<int> found;
 
-std::string text(const Object& object, const Method& method) {
-    return winrt::to_string(object.name()) + ", interface " +
-           winrt::to_string(winrt::to_hstring(method.interfaceId)) + ", slot " + std::to_string(method.slot);
-}
-
 std::int32_t __stdcall queryInterface(Face* self, const winrt::guid& interfaceId, void** result) {
-    *result = self->object->query(interfaceId);
+    *result = self->object.query(interfaceId);
     return *result ? S_OK : E_NOINTERFACE;
 }
 
 std::uint32_t __stdcall addReference(Face* self) {
-    return self->object->addReference();
+    return self->object.AddRef();
 }
 
 std::uint32_t __stdcall release(Face* self) {
-    return self->object->release();
+    return self->object.Release();
 }
 
 std::int32_t __stdcall getClassName(Face* self, void** name) {
-    give(name, winrt::hstring(self->object->name()));
+    give(name, winrt::hstring(self->object.name()));
     return S_OK;
 }
 
 template <std::size_t slot>
 std::int32_t __stdcall unexpected(Face* self) {
-    // The table knows its own interface, which stands in front of its slots.
-    const auto* const table =
-        reinterpret_cast<const Table*>(reinterpret_cast<const char*>(self->slots) - offsetof(Table, slots));
-    finding("unexpected call: " + text(*self->object, {table->interfaceId, slot}));
+    finding("unexpected call: " + nameOf({self->interfaceId, slot}, self->object.name()));
     return E_NOTIMPL;
 }
 
@@ -55,44 +45,30 @@ std::array<void*, 160> unanswered(std::index_sequence<slot...>) {
 
 }  // namespace
 
-Table::Table(const winrt::guid& interfaceId)
-    : interfaceId(interfaceId), slots(unanswered(std::make_index_sequence<160>())) {
+Face::Face(Object& object, const winrt::guid& interfaceId)
+    : object(object), interfaceId(interfaceId), slots(unanswered(std::make_index_sequence<160>())) {
+    table = slots.data();
     slots[0] = reinterpret_cast<void*>(queryInterface);
     slots[1] = reinterpret_cast<void*>(addReference);
     slots[2] = reinterpret_cast<void*>(release);
     slots[4] = reinterpret_cast<void*>(getClassName);
 }
 
-Object::Object(const wchar_t* className, Threads threads) : className(className), threads(threads) {
-    const std::lock_guard lock(mutex);
-    ++living[className];
-}
-
-Object::~Object() {
-    const std::lock_guard lock(mutex);
-    --living[className];
-}
-
-int Object::alive(const std::wstring& className) {
-    const std::lock_guard lock(mutex);
-    return living[className];
-}
-
 void* Object::query(const winrt::guid& interfaceId) {
-    for (Entry& entry : faces) {
-        const bool any = interfaceId == winrt::guid_of<winrt::Windows::Foundation::IUnknown>() ||
-                         interfaceId == winrt::guid_of<winrt::Windows::Foundation::IInspectable>() ||
+    for (Face& face : faces) {
+        const bool any = interfaceId == winrt::guid_of<foundation::IUnknown>() ||
+                         interfaceId == winrt::guid_of<foundation::IInspectable>() ||
                          (interfaceId == winrt::guid_of<winrt::impl::IAgileObject>() &&
                           threads == Threads::any && mayBeKept);
-        if (any || entry.interfaceId == interfaceId) {
-            addReference();
-            return &entry.face;
+        if (any || face.interfaceId == interfaceId) {
+            AddRef();
+            return &face;
         }
     }
     return nullptr;
 }
 
-std::uint32_t Object::release() {
+std::uint32_t Object::Release() {
     const std::uint32_t left = --references;
     if (left == 0) {
         checkThread({});
@@ -103,7 +79,7 @@ std::uint32_t Object::release() {
 
 void Object::checkThread(const Method& method) const {
     if (threads == Threads::ui && !uiThread().isCurrent()) {
-        finding("not on the UI thread: " + text(*this, method));
+        finding("not on the UI thread: " + nameOf(method, className));
     }
 }
 
@@ -137,14 +113,6 @@ void beginStep(const std::string& name) {
             endProgram();
         }
     }).detach();
-}
-
-void enter(const Object& object, const Method& method) {
-    object.checkThread(method);
-    world().noteCall(method, object.name());
-    const Behaviour behaviour = world().behaviourOf(method);
-    currentBehaviour = behaviour;
-    winrt::check_hresult(behaviour.refusal);
 }
 
 }  // namespace app

@@ -6,6 +6,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -25,7 +26,9 @@ struct Method {
     winrt::guid interfaceId;
     std::size_t slot;
 
-    bool operator==(const Method&) const = default;
+    bool operator<(const Method& other) const {
+        return interfaceId == other.interfaceId ? slot < other.slot : interfaceId < other.interfaceId;
+    }
 };
 
 template <typename Pointer>
@@ -36,20 +39,22 @@ std::size_t slotOf(Pointer method) {
     return (offset & ~std::uintptr_t{1}) / sizeof(void*);
 }
 
+template <typename Interface, auto method>
+Method methodOf() {
+    return {winrt::guid_of<Interface>(), slotOf(method)};
+}
+
 class Object;
 
-/// What a caller's interface pointer points to.
+/// What a caller's interface pointer points to: one interface of an object.
 struct Face {
-    void* const* slots;
-    Object* object;
-};
+    Face(Object& object, const winrt::guid& interfaceId);
 
-/// The virtual table of one interface of one class.
-struct Table {
-    explicit Table(const winrt::guid& interfaceId);
-
-    winrt::guid interfaceId;
+    void** table = nullptr;  // first, for the caller
+    Object& object;
+    const winrt::guid interfaceId;
     std::array<void*, 160> slots;
+    std::map<std::size_t, std::shared_ptr<void>> answers{};
 };
 
 /// Counts its references. Objects of the user interface may be used on the UI thread only.
@@ -57,48 +62,32 @@ class Object {
   public:
     enum class Threads { ui, any };
 
-    explicit Object(const wchar_t* className, Threads threads = Threads::ui);
+    Object(const wchar_t* className, Threads threads) : className(className), threads(threads) {}
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
-    virtual ~Object();
 
-    /// Adds the interface whose table the function makes, once for each type of function.
-    template <typename MakeTable>
-    Object& add(MakeTable make) {
-        static const auto table = make();
-        faces.push_back({{table.slots.data(), this}, table.interfaceId});
-        return *this;
-    }
-    /// Adds interfaces of which no method is answered.
-    template <typename... Interfaces>
-    Object& addBare() {
-        (add([] { return Table(winrt::guid_of<Interfaces>()); }), ...);
-        return *this;
-    }
+    std::uint32_t AddRef() { return ++references; }
+    std::uint32_t Release();
 
     /// The interface, with a reference of its own, or null.
     void* query(const winrt::guid& interfaceId);
-    std::uint32_t addReference() { return ++references; }
-    std::uint32_t release();
+    Face& add(const winrt::guid& interfaceId) { return faces.emplace_back(*this, interfaceId); }
     const wchar_t* name() const { return className; }
     /// Not agile, so that nobody keeps it beyond one use.
     void forbidKeeping() { mayBeKept = false; }
     void checkThread(const Method& method) const;
 
-    /// How many objects of the class are alive.
-    static int alive(const std::wstring& className);
+    /// What `behind` gives.
+    std::shared_ptr<void> state;
 
   private:
-    struct Entry {
-        Face face;
-        winrt::guid interfaceId;
-    };
+    ~Object() = default;
 
     const wchar_t* const className;
     const Threads threads;
     bool mayBeKept = true;
-    std::atomic<std::uint32_t> references{1};
-    std::deque<Entry> faces;
+    std::atomic<std::uint32_t> references{0};
+    std::deque<Face> faces;
 };
 
 /// Notes something that must not happen; the test ends as failed.
@@ -137,41 +126,71 @@ void give(Target* target, Value value) {
     }
 }
 
-/// Calls what answers a method, a function of the object and the first arguments; a result goes to the last
-/// argument.
-template <typename Answer, typename Owner, typename Arguments, typename Result, typename... Parameters>
-void respond(const Answer& answer, Owner& owner, const Arguments& arguments,
-             Result (Answer::*)(Owner&, Parameters...) const) {
-    [&]<std::size_t... i>(std::index_sequence<i...>) {
-        if constexpr (std::is_void_v<Result>) {
-            answer(owner, borrow<Parameters>(std::get<i>(arguments))...);
-        } else {
-            give(std::get<std::tuple_size_v<Arguments> - 1>(arguments),
-                 answer(owner, borrow<Parameters>(std::get<i>(arguments))...));
-        }
-    }(std::index_sequence_for<Parameters...>());
+/// The projection of an object that is already alive.
+template <typename Projection>
+Projection project(Object& object) {
+    return {object.query(winrt::guid_of<winrt::default_interface<Projection>>()),
+            winrt::take_ownership_from_abi};
 }
 
-/// The virtual table of an interface, filled method by method.
-template <typename Owner, typename Interface>
-struct Answers : Table {
-    Answers() : Table(winrt::guid_of<Interface>()) {}
+/// An object in the making, as one of its interfaces. It becomes whatever projection is wanted of it.
+template <typename Interface>
+class As {
+  public:
+    explicit As(winrt::com_ptr<Object> made)
+        : object(std::move(made)), face(object->add(winrt::guid_of<Interface>())) {}
 
-    /// `answer` is a function or, for a property, a member of the object.
-    template <auto answer, typename... Arguments>
-    Answers& on(std::int32_t (__stdcall Methods<Interface>::*method)(Arguments...) noexcept) {
-        static Method called;
-        called = {interfaceId, slotOf(method)};
-        slots.at(called.slot) =
+    /// Goes on with another interface.
+    template <typename Other>
+    As<Other> as() const {
+        return As<Other>(object);
+    }
+
+    /// Lets a function answer a method. It gets the first arguments; its result goes to the last one.
+    template <auto method, typename Answer>
+    const As& on(Answer answer) const {
+        return bind<method>(std::function(std::move(answer)), method);
+    }
+
+    template <auto method, typename Value>
+    const As& constant(Value value) const {
+        return on<method>([value] { return value; });
+    }
+
+    template <auto get, auto put, typename Value>
+    const As& property(Value initial) const {
+        const auto value = std::make_shared<Value>(std::move(initial));
+        on<get>([value] { return *value; });
+        return on<put>([value](const Value& changed) { *value = changed; });
+    }
+
+    const As& holding(std::shared_ptr<void> state) const {
+        object->state = std::move(state);
+        return *this;
+    }
+
+    template <typename Projection>
+    operator Projection() const {
+        if constexpr (std::is_same_v<Projection, winrt::com_ptr<Object>>) {
+            return object;
+        } else {
+            return project<Projection>(*object);
+        }
+    }
+
+  private:
+    template <auto method, typename Result, typename... Parameters, typename... Arguments>
+    const As& bind(std::function<Result(Parameters...)> answer,
+                   std::int32_t (__stdcall Methods<Interface>::*)(Arguments...) noexcept) const {
+        using Answer = decltype(answer);
+        const std::size_t slot = slotOf(method);
+        face.answers[slot] = std::make_shared<Answer>(std::move(answer));
+        face.slots.at(slot) =
             reinterpret_cast<void*>(+[](Face* self, Arguments... arguments) noexcept -> std::int32_t {
                 try {
-                    enter(*self->object, called);
-                    auto& owner = static_cast<Owner&>(*self->object);
-                    if constexpr (std::is_member_object_pointer_v<decltype(answer)>) {
-                        access(owner.*answer, arguments...);
-                    } else {
-                        respond(answer, owner, std::tie(arguments...), &decltype(answer)::operator());
-                    }
+                    const std::size_t called = slotOf(method);
+                    enter(self->object, {self->interfaceId, called});
+                    respond(*static_cast<Answer*>(self->answers.at(called).get()), std::tie(arguments...));
                     return 0;
                 } catch (...) {
                     return winrt::to_hresult();
@@ -180,69 +199,52 @@ struct Answers : Table {
         return *this;
     }
 
-  private:
-    template <typename Member, typename Argument>
-    static void access(Member& member, Argument argument) {
-        if constexpr (std::is_pointer_v<Argument> && !std::is_same_v<Argument, void*>) {
-            give(argument, member);
-        } else {
-            member = borrow<Member>(argument);
-        }
+    template <typename Result, typename... Parameters, typename Arguments>
+    static void respond(const std::function<Result(Parameters...)>& answer, const Arguments& arguments) {
+        [&]<std::size_t... i>(std::index_sequence<i...>) {
+            if constexpr (std::is_void_v<Result>) {
+                answer(borrow<Parameters>(std::get<i>(arguments))...);
+            } else {
+                give(std::get<std::tuple_size_v<Arguments> - 1>(arguments),
+                     answer(borrow<Parameters>(std::get<i>(arguments))...));
+            }
+        }(std::index_sequence_for<Parameters...>());
     }
+
+    winrt::com_ptr<Object> object;
+    Face& face;
 };
 
-/// The projection of an object that is already alive.
-template <typename Projection>
-Projection project(Object& object) {
-    return {object.query(winrt::guid_of<winrt::default_interface<Projection>>()),
-            winrt::take_ownership_from_abi};
+/// A new object, whose first interface this is.
+template <typename Interface>
+As<Interface> make(const wchar_t* className, Object::Threads threads = Object::Threads::any) {
+    winrt::com_ptr<Object> made;
+    made.copy_from(new Object(className, threads));
+    return As<Interface>(std::move(made));
 }
 
-/// The same of one just made, whose only reference it takes over.
-template <typename Projection>
-Projection adopt(Object* object) {
-    Projection made = project<Projection>(*object);
-    object->release();
-    return made;
+/// What the object behind a projection holds.
+template <typename State, typename Projection>
+State& behind(const Projection& projection) {
+    return *static_cast<State*>(static_cast<Face*>(winrt::get_abi(projection))->object.state.get());
 }
 
-template <typename Projection, typename Class, typename... Arguments>
-Projection create(Arguments&&... arguments) {
-    return adopt<Projection>(new Class(std::forward<Arguments>(arguments)...));
-}
-
-/// The object behind a projection.
-template <typename Class, typename Projection>
-Class& behind(const Projection& projection) {
-    return static_cast<Class&>(*static_cast<Face*>(winrt::get_abi(projection))->object);
-}
-
-/// How to make what a class is activated with.
-using MakeFactory = std::function<Object*()>;
+/// How to make what a class is activated with: a factory or its static side.
+using MakeFactory = std::function<winrt::com_ptr<Object>()>;
 using Factories = std::map<std::wstring, MakeFactory>;
 
-/// A factory or the static side of a class, with the interfaces whose tables the functions make.
-template <typename... MakeTable>
-MakeFactory statics(MakeTable... make) {
-    return [=] {
-        auto* const object = new Object(L"factory", Object::Threads::any);
-        (object->add(make), ...);
-        return object;
-    };
+/// A factory with one method.
+template <typename Interface, auto method, typename Answer>
+MakeFactory answering(Answer answer) {
+    return [answer] { return make<Interface>(L"factory").template on<method>(answer); };
 }
 
-/// Makes the table of a factory whose objects need no arguments.
-template <typename Class>
-constexpr auto activation = [] {
+/// A factory of objects that need no arguments.
+template <typename Make>
+MakeFactory activating(Make makeObject) {
     using I = foundation::IActivationFactory;
-    return Answers<Object, I>()
-        .template on<[](Object&) { return adopt<foundation::IInspectable>(new Class); }>(
-            &Methods<I>::ActivateInstance);
-};
-
-template <typename Class>
-MakeFactory factory() {
-    return statics(activation<Class>);
+    return answering<I, &Methods<I>::ActivateInstance>(
+        [makeObject]() -> foundation::IInspectable { return makeObject(); });
 }
 
 }  // namespace app

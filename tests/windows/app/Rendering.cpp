@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "Scenarios.h"
 #include "Session.h"
 
 namespace {
@@ -14,17 +13,17 @@ void everyPathAndRowLength(Engine& engine) {
     for (const bool preview : {false, true}) {
         for (const UINT padding : {0U, 4U, 12U, 212U}) {
             Engine::faults.padding = padding;
-            const int renderings = world().renderings;
-            const int previews = world().previews;
+            const int renderings = world()->renderings;
+            const int previews = world()->previews;
             Session session(engine, 61, 43, preview);
             session.load();
             for (int picture = 0; picture < 2; ++picture) {
-                ++world().colour;
+                ++world()->colour;
                 check(session.shows(61, 43),
                       "the texture shows the page, padding " + std::to_string(padding));
             }
             check(session.announcements() == 1, "one texture, one announcement");
-            check((world().renderings > renderings) == !preview && (world().previews > previews) == preview,
+            check((world()->renderings > renderings) == !preview && (world()->previews > previews) == preview,
                   "pictures are taken the way that was asked for");
         }
     }
@@ -47,21 +46,21 @@ void sizes(Engine& engine) {
     check(session.shows(110, 55), "zoomed out");
     engine.plugin().WebView_zoomIn(session.view());
 
-    const int previews = world().previews;
+    const int previews = world()->previews;
     engine.plugin().WebView_resize(session.view(), 1001, 9);
-    check(session.shows(1001, 9) && world().previews > previews, "larger than the window");
+    check(session.shows(1001, 9) && world()->previews > previews, "larger than the window");
     // No multiple of what a display of this kind can render.
-    world().rawPixelsPerViewPixel = 1.5;
+    world()->rawPixelsPerViewPixel = 1.5;
     engine.plugin().WebView_resize(session.view(), 31, 22);
-    ++world().colour;
+    ++world()->colour;
     check(session.shows(31, 22, 1), "on a display of another scale");
-    world().rawPixelsPerViewPixel = 1;
+    world()->rawPixelsPerViewPixel = 1;
 }
 
 void screenshots(Engine& engine) {
     Session session(engine, 30, 20);
     session.load();
-    const auto picture = app::Picture{30, 20, world().colour}.pixels();
+    const auto picture = app::Picture{30, 20, world()->colour}.pixels();
     engine.plugin().WebView_captureScreenshot(session.view(), "screenshot");
     check(session.data("screenshot") == picture, "the screenshot is the page");
     engine.plugin().WebView_getRawTextureData(session.view(), "raw");
@@ -81,17 +80,17 @@ void pauses(Engine& engine) {
     engine.plugin().WebView_setRenderingEnabled(session.view(), false);
     session.evaluate("0");
     Sleep(50);
-    const int before = world().renderings;
+    const int before = world()->renderings;
     Sleep(100);
-    check(world().renderings == before, "no pictures while rendering is disabled");
-    ++world().colour;
+    check(world()->renderings == before, "no pictures while rendering is disabled");
+    ++world()->colour;
     engine.plugin().WebView_setRenderingEnabled(session.view(), true);
     check(session.shows(30, 20), "after the pause");
     // On and off in haste leaves one loop or two, but never none and never a stuck one.
     for (int i = 0; i < 50; ++i) {
         engine.plugin().WebView_setRenderingEnabled(session.view(), i % 2 != 0);
     }
-    ++world().colour;
+    ++world()->colour;
     check(session.shows(30, 20), "after switching in haste");
 }
 
@@ -145,7 +144,7 @@ void endings(Engine& engine) {
 }
 
 bool noted(const std::wstring& event) {
-    return eventually([&] { return world().hasNoted(event); });
+    return eventually([&] { return world()->hasNoted(event); });
 }
 
 void requests(Engine& engine) {
@@ -157,7 +156,7 @@ void requests(Engine& engine) {
         plugin.WebView_setCameraAndMicrophoneEnabled(allowed);
         plugin.WebView_setGeolocationEnabled(allowed);
         for (const auto type : {Media, Geolocation, WebNotifications}) {
-            world().clearNotes();
+            world()->notes.clear();
             app::requestPermission(type);
             check(noted(allowed && type != WebNotifications ? L"allowed" : L"denied"), "a permission");
         }
@@ -178,12 +177,12 @@ void requests(Engine& engine) {
           "a page cannot open local content");
 
     session.load();
-    world().setScript(L"transparent", {L"", S_OK, L"zarvik.webview.pageTransparencyDetermined true"});
-    world().setScript(L"opaque", {L"", S_OK, L"zarvik.webview.pageTransparencyDetermined false"});
-    world().clearNotes();
+    world()->scripts[L"transparent"] = {L"", S_OK, L"zarvik.webview.pageTransparencyDetermined true"};
+    world()->scripts[L"opaque"] = {L"", S_OK, L"zarvik.webview.pageTransparencyDetermined false"};
+    world()->notes.clear();
     session.evaluate("transparent");
     check(noted(L"transparent"), "a transparent page");
-    check(!world().hasNoted(L"opaque"), "a transparent page only");
+    check(!world()->hasNoted(L"opaque"), "a transparent page only");
     session.evaluate("opaque");
     check(noted(L"opaque"), "an opaque page");
     check(noted(L"eval: _zarvikInternal.setDefaultBackground()"), "an opaque page gets a background");
@@ -205,19 +204,19 @@ void requests(Engine& engine) {
 }
 
 void places(Engine& engine) {
-    world().panelIsNested = true;
+    world()->panelIsNested = true;
     {
         Session session(engine, 30, 20);
         session.load();
         check(session.shows(30, 20), "a panel further inside");
     }
-    world().panelIsNested = false;
-    world().hasPanel = false;
+    world()->panelIsNested = false;
+    world()->hasPanel = false;
     {
         Session session(engine, 30, 20);
         session.load();
     }
-    world().hasPanel = true;
+    world()->hasPanel = true;
 }
 
 }  // namespace

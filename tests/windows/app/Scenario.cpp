@@ -10,10 +10,23 @@ using zarvik::host::PluginExports;
 using zarvik::host::Record;
 using zarvik::host::Recorder;
 
+Recorder recorder;
+
+void add(Record record) {
+    record.thread = std::this_thread::get_id();
+    recorder.add(std::move(record));
+}
+
+template <Record::Kind kind>
+void log(const char* line) {
+    add({.kind = kind, .payload = line});
+}
+
 class Player {
   public:
-    Player(const PluginExports& plugin, Recorder& recorder, const std::string& folder)
-        : plugin(plugin), recorder(recorder), folder(folder) {}
+    Player(const PluginExports& plugin, Recorder& recorder, const std::string& folder,
+           const std::string& server)
+        : plugin(plugin), recorder(recorder), folder(folder), server(server) {}
 
     void play();
 
@@ -21,9 +34,15 @@ class Player {
     /// Prints what was said since the last call.
     void show(const char* title);
     void line(const std::string& text) const;
-    /// Until everything that was asked for before has been done.
-    void fence();
+    /// A script's result, once everything that was asked for before has been done.
+    std::string evaluate(const char* script);
+    void fence() { evaluate("0"); }
+    /// Asks the page until it has the size, and prints what it says at last.
+    void size(const std::string& expected);
     void waitForLoad();
+    void load(const char* title, const std::string& url);
+    void userAgents();
+    void places();
     void cookies();
     void locals();
     void scripts();
@@ -32,6 +51,7 @@ class Player {
     const PluginExports& plugin;
     Recorder& recorder;
     const std::string folder;
+    const std::string server;
     UwpWebView* view = nullptr;
     std::size_t shown = 0;
     int fences = 0;
@@ -41,7 +61,7 @@ void Player::line(const std::string& text) const {
     static const std::pair<std::regex, const char*> platformTexts[] = {
         {std::regex("(rror message: )[^,]*"), "$1..."},
         {std::regex("(HResult: -?[0-9]+, message: ).*"), "$1..."},
-        {std::regex(R"([^ "]*[/\\]((page|missing)\.html))"), "$1"},
+        {std::regex(R"([^ "]*[/\\]((page|missing)\.html|(paper|refused)\.pdf))"), "$1"},
     };
     std::string shortened = text;
     for (const auto& [pattern, replacement] : platformTexts) {
@@ -59,7 +79,9 @@ void Player::show(const char* title) {
         if (record.kind == Record::Kind::message && !fromAgent && !fromFence) {
             line(record.method + " " + record.payload);
         } else if (record.kind == Record::Kind::data) {
-            line("data " + record.method);
+            // A picture's file is as long as the platform makes it.
+            line("data " + record.method +
+                 (record.method == "pixels" ? ", bytes: " + std::to_string(record.bytes.size()) : ""));
         } else if (record.kind >= Record::Kind::info) {
             const char* const kinds[] = {"info", "warning", "error"};
             line(kinds[static_cast<int>(record.kind) - static_cast<int>(Record::Kind::info)] +
@@ -69,13 +91,21 @@ void Player::show(const char* title) {
     std::fflush(stdout);
 }
 
-void Player::fence() {
-    const std::string id = "fence" + std::to_string(++fences);
-    plugin.WebView_executeJavaScript(view, "0", id.c_str());
-    if (!recorder.waitFor([&](const Record& record) { return record.payload.starts_with(id + ","); },
-                          shown)) {
-        line("no answer");
+std::string Player::evaluate(const char* script) {
+    const std::string id = "fence" + std::to_string(++fences) + ",";
+    plugin.WebView_executeJavaScript(view, script, id.substr(0, id.size() - 1).c_str());
+    const auto answer =
+        recorder.waitFor([&](const Record& record) { return record.payload.starts_with(id); }, shown);
+    return answer ? answer->payload.substr(id.size()) : "no answer";
+}
+
+void Player::size(const std::string& expected) {
+    std::string size;
+    for (int attempt = 0; attempt < 250 && size != expected; ++attempt) {
+        size = evaluate("innerWidth + 'x' + innerHeight + (document.hidden ? ' hidden' : '')");
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
+    line(size);
 }
 
 void Player::waitForLoad() {
@@ -122,15 +152,44 @@ void Player::scripts() {
     show("a page message");
 }
 
+void Player::load(const char* title, const std::string& url) {
+    plugin.WebView_loadUrl(view, url.c_str());
+    waitForLoad();
+    fence();
+    show(title);
+}
+
+void Player::userAgents() {
+    const auto userAgent = [&] { return evaluate("navigator.userAgent"); };
+    const std::string usual = userAgent();
+    plugin.WebView_globallySetUserAgent("agent/1");
+    line(userAgent());
+    plugin.WebView_globallySetUserAgentToMobile(true);
+    line(userAgent());
+    plugin.WebView_globallySetUserAgentToMobile(false);
+    line(!usual.empty() && userAgent() == usual ? "the default again" : userAgent());
+    show("user agents");
+}
+
+void Player::places() {
+    size("320x240");
+    plugin.WebView_setRect(view, 5, 6, 200, 100);
+    size("200x100");
+    plugin.WebView_getRawTextureData(view, "pixels");
+    recorder.waitFor([](const Record& record) { return record.method == "pixels"; }, shown);
+    plugin.WebView_setVisible(view, false);
+    size("200x100 hidden");
+    plugin.WebView_setVisible(view, true);
+    size("200x100");
+    show("rectangle and visibility");
+}
+
 void Player::navigation() {
-    const auto load = [&](const char* title, const char* url) {
-        plugin.WebView_loadUrl(view, url);
-        waitForLoad();
-        show(title);
-    };
     load("a server that is not there", "http://127.0.0.1:2/");
     load("a PDF that cannot be had", "ftp://127.0.0.1/document.pdf");
     load("no URL at all", "nothing");
+    load("a PDF from the network", server + "paper.pdf");
+    load("a PDF that the server refuses", server + "refused.pdf");
     plugin.WebView_loadUrlWithHeaders(view, "http://127.0.0.1:2/",
                                       "Good: one\nBad\nWorse: a: b\nNot so: good");
     waitForLoad();
@@ -138,14 +197,8 @@ void Player::navigation() {
 }
 
 void Player::locals() {
-    const auto load = [&](const std::string& name) {
-        plugin.WebView_loadUrl(view, (folder + name).c_str());
-        waitForLoad();
-        fence();
-        show(name.c_str());
-    };
-    load("page.html");
-    load("missing.html");
+    load("page.html", folder + "page.html");
+    load("missing.html", folder + "missing.html");
     plugin.WebView_canGoBack(view);
     plugin.WebView_canGoForward(view);
     fence();
@@ -166,6 +219,8 @@ void Player::play() {
     waitForLoad();
     show("a page as text");
     scripts();
+    userAgents();
+    places();
     navigation();
     locals();
     plugin.WebView_setVisible(view, false);
@@ -192,6 +247,20 @@ void Player::play() {
 
 }  // namespace
 
-void playScenario(const PluginExports& plugin, Recorder& recorder, const std::string& folder) {
-    Player(plugin, recorder, folder).play();
+Recorder& connectRecorder(const PluginExports& plugin) {
+    plugin.WebView_setLogFunctions(log<Record::Kind::info>, log<Record::Kind::warning>,
+                                   log<Record::Kind::error>);
+    plugin.WebView_setSendMessageFunction([](const char* target, const char* method, const char* payload) {
+        add({.kind = Record::Kind::message, .target = target, .method = method, .payload = payload});
+    });
+    plugin.WebView_setDataResultCallback([](const char* target, const char* id, const std::uint8_t* bytes,
+                                            std::int32_t length) {
+        add({.kind = Record::Kind::data, .target = target, .method = id, .bytes = {bytes, bytes + length}});
+    });
+    return recorder;
+}
+
+void playScenario(const PluginExports& plugin, Recorder& recorder, const std::string& folder,
+                  const std::string& server) {
+    Player(plugin, recorder, folder, server).play();
 }

@@ -2,8 +2,6 @@
 
 using zarvik::host::Record;
 
-constexpr std::chrono::seconds patience{5};
-
 using app::check;
 
 Session::Session(Engine& engine, int width, int height, bool alwaysCapturePreview)
@@ -17,7 +15,7 @@ Session::Session(Engine& engine, int width, int height, bool alwaysCapturePrevie
 Session::~Session() {
     destroy();
     engine.plugin().WebView_removePointer(instance);
-    const bool gone = eventually([] { return app::Object::alive(L"Windows.UI.Xaml.Controls.WebView") == 0; });
+    const bool gone = eventually([] { return app::world()->controls == 0; });
     check(gone, target + ": the control is still there");
     turn();
     for (auto& texture : textures) {
@@ -78,7 +76,7 @@ bool Session::shows(UINT width, UINT height, UINT ignored) {
             for (UINT x = 0; x < width - ignored; ++x) {
                 std::uint32_t pixel = 0;
                 std::memcpy(&pixel, &pixels[(std::size_t{y} * width + x) * 4], sizeof pixel);
-                if (pixel != app::pixelAt(x, y, app::world().colour)) {
+                if (pixel != app::pixelAt(x, y, app::world()->colour)) {
                     return false;
                 }
             }

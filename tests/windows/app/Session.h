@@ -6,17 +6,25 @@
 #include "Engine.h"
 #include "World.h"
 
-/// Asks until it is true; false after some seconds.
+constexpr std::chrono::seconds patience{5};
+
+/// Asks until it is true; false when patience is at its end.
 template <typename Condition>
 bool eventually(Condition condition) {
-    for (int attempt = 0; attempt < 2500; ++attempt) {
-        if (condition()) {
-            return true;
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
         }
         Sleep(2);
     }
-    return false;
+    return true;
 }
+
+// What the engine does with a device, one scenario each. Whatever is wrong is a finding.
+
+void playRendering(Engine& engine);
+void playFaults(Engine& engine);
 
 /// One offscreen web view of the engine and the textures that it announces.
 class Session {

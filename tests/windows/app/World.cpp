@@ -3,6 +3,7 @@
 #include <ctxtcall.h>
 
 #include <algorithm>
+#include <future>
 
 namespace app {
 
@@ -33,63 +34,42 @@ void openContext() {
     uiContext = context.detach();
 }
 
+/// What is being called on this thread, and how it is answered.
+thread_local std::pair<Method, Behaviour> currentCall;
+
 }  // namespace
-
-UIThread::UIThread() : thread([this] { loop(); }) {
-    std::unique_lock lock(mutex);
-    changed.wait(lock, [this] { return id != std::thread::id(); });
-}
-
-UIThread::~UIThread() {
-    {
-        const std::lock_guard lock(mutex);
-        ending = true;
-    }
-    changed.notify_all();
-    thread.join();
-}
 
 void UIThread::loop() {
     winrt::check_hresult(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
     openContext();
     std::unique_lock lock(mutex);
-    id = std::this_thread::get_id();
-    changed.notify_all();
-    while (!ending) {
+    for (;;) {
         if (work.empty()) {
             changed.wait(lock);
         } else if (const auto due = work.begin()->first; due > Clock::now()) {
             changed.wait_until(lock, due);
         } else {
-            const auto next = std::move(work.begin()->second);
-            work.erase(work.begin());
+            const auto next = work.extract(work.begin());
             lock.unlock();
-            next();
+            next.mapped()();
             lock.lock();
         }
     }
 }
 
 void UIThread::post(std::function<void()> function, std::chrono::milliseconds delay) {
-    {
-        const std::lock_guard lock(mutex);
-        work.emplace(Clock::now() + delay, std::move(function));
-    }
+    const std::lock_guard lock(mutex);
+    work.emplace(Clock::now() + delay, std::move(function));
     changed.notify_all();
 }
 
 void UIThread::run(const std::function<void()>& function) {
-    std::mutex doneMutex;
-    std::condition_variable changed;
-    bool done = false;
+    std::promise<void> done;
     post([&] {
         function();
-        const std::lock_guard lock(doneMutex);
-        done = true;
-        changed.notify_all();
+        done.set_value();
     });
-    std::unique_lock lock(doneMutex);
-    changed.wait(lock, [&] { return done; });
+    done.get_future().wait();
 }
 
 UIThread& uiThread() {
@@ -97,124 +77,40 @@ UIThread& uiThread() {
     return thread;
 }
 
-World& world() {
-    static auto& world = *new World;
-    return world;
-}
-
-void World::behave(const Method& method, const Behaviour& behaviour) {
-    const std::lock_guard lock(mutex);
-    behaviours.emplace_back(method, behaviour);
+std::string nameOf(const Method& method, const std::wstring& className) {
+    return winrt::to_string(className) + ", interface " +
+           winrt::to_string(winrt::to_hstring(method.interfaceId)) + ", slot " + std::to_string(method.slot);
 }
 
 void World::behaveAsUsual() {
-    std::vector<std::function<void()>> ended;
-    {
-        const std::lock_guard lock(mutex);
-        behaviours.clear();
-        refusals.clear();
-        faulty = false;
-        ended.swap(pending);
-    }
-    for (auto& fail : ended) {
+    behaviours.clear();
+    refusedClass.clear();
+    faulty = false;
+    for (auto& fail : std::exchange(pending, {})) {
         uiThread().post(std::move(fail));
     }
 }
 
-Behaviour World::behaviourOf(const Method& method) {
-    const std::lock_guard lock(mutex);
-    const auto found = std::ranges::find(behaviours, method, &std::pair<Method, Behaviour>::first);
-    Behaviour behaviour = found == behaviours.end() ? Behaviour{} : found->second;
-    behaviour.method = method;
-    faulty = faulty || found != behaviours.end();
-    return behaviour;
-}
-
-void World::whenGivenUp(std::function<void()> fail) {
-    const std::lock_guard lock(mutex);
-    pending.push_back(std::move(fail));
-}
-
-void World::refuse(const std::wstring& className) {
-    const std::lock_guard lock(mutex);
-    refusals.insert(className);
-}
-
-bool World::isRefused(const std::wstring& className) {
-    const std::lock_guard lock(mutex);
-    if (std::ranges::find(classes, className) == classes.end()) {
-        classes.push_back(className);
-    }
-    faulty = faulty || refusals.contains(className);
-    return refusals.contains(className);
-}
-
-void World::noteCall(const Method& method, const wchar_t* object) {
-    const std::lock_guard lock(mutex);
-    if (std::ranges::find(methods, method, &std::pair<Method, std::wstring>::first) == methods.end()) {
-        methods.emplace_back(method, object);
-    }
-}
-
-std::vector<std::pair<Method, std::wstring>> World::calledMethods() {
-    const std::lock_guard lock(mutex);
-    return methods;
-}
-
-std::vector<std::pair<Method, std::wstring>> World::operations() {
-    const std::lock_guard lock(mutex);
-    auto found = methods;
-    std::erase_if(
-        found, [&](const auto& method) { return std::ranges::find(started, method.first) == started.end(); });
-    return found;
-}
-
-void World::noteOperation(const Method& method) {
-    const std::lock_guard lock(mutex);
-    if (std::ranges::find(started, method) == started.end()) {
-        started.push_back(method);
-    }
-}
-
-bool World::wasFaulty() {
-    const std::lock_guard lock(mutex);
-    return faulty;
-}
-
-bool World::hasPending() {
-    const std::lock_guard lock(mutex);
-    return !pending.empty();
-}
-
-std::vector<std::wstring> World::activatedClasses() {
-    const std::lock_guard lock(mutex);
-    return classes;
-}
-
-void World::setScript(const std::wstring& script, ScriptAnswer answer) {
-    const std::lock_guard lock(mutex);
-    scripts[script] = std::move(answer);
-}
-
-std::optional<ScriptAnswer> World::script(const std::wstring& script) {
-    const std::lock_guard lock(mutex);
-    const auto found = scripts.find(script);
-    return found == scripts.end() ? std::nullopt : std::optional(found->second);
-}
-
-void World::note(const std::wstring& event) {
-    const std::lock_guard lock(mutex);
-    notes.push_back(event);
-}
-
-bool World::hasNoted(const std::wstring& event) {
-    const std::lock_guard lock(mutex);
+bool World::hasNoted(const std::wstring& event) const {
     return std::ranges::any_of(notes, [&](const auto& note) { return note.starts_with(event); });
 }
 
-void World::clearNotes() {
-    const std::lock_guard lock(mutex);
-    notes.clear();
+void enter(const Object& object, const Method& method) {
+    object.checkThread(method);
+    currentCall = {method, {}};
+    {
+        const auto now = world();
+        now->methods.try_emplace(method, object.name());
+        if (const auto found = now->behaviours.find(method); found != now->behaviours.end()) {
+            now->faulty = true;
+            currentCall.second = found->second;
+        }
+    }
+    winrt::check_hresult(currentCall.second.refusal);
+}
+
+EndOfOperation::EndOfOperation() : behaviour(currentCall.second) {
+    world()->methods.at(currentCall.first).startsOperation = true;
 }
 
 void EndOfOperation::await_suspend(std::coroutine_handle<> handle) const {
@@ -227,7 +123,7 @@ void EndOfOperation::await_suspend(std::coroutine_handle<> handle) const {
             std::thread(handle).detach();
             break;
         case Behaviour::End::never:
-            world().whenGivenUp([handle, flag = givenUp] {
+            world()->pending.emplace_back([handle, flag = givenUp] {
                 *flag = true;
                 handle();
             });
@@ -250,24 +146,28 @@ void EndOfOperation::await_resume() const {
 extern "C" __declspec(dllexport) std::int32_t __stdcall getAppFactory(void* classId, void** factory) {
     *factory = nullptr;
     const std::wstring className(reinterpret_cast<const winrt::hstring&>(classId));
-    if (app::world().isRefused(className)) {
+    const auto world = app::world();
+    if (std::ranges::find(world->classes, className) == world->classes.end()) {
+        world->classes.push_back(className);
+    }
+    if (className == world->refusedClass) {
+        world->faulty = true;
         return REGDB_E_CLASSNOTREG;
     }
     static const auto& factories = *new auto([] {
-        app::Factories all = app::userInterface();
-        all.merge(app::webView());
-        all.merge(app::content());
-        all.merge(app::web());
+        app::Factories all;
+        for (const auto subject : {app::userInterface, app::webView, app::content, app::pictures, app::web}) {
+            all.merge(subject());
+        }
         return all;
     }());
-    const auto make = factories.find(className);
-    if (make == factories.end()) {
+    const auto makeFactory = factories.find(className);
+    if (makeFactory == factories.end()) {
         app::finding("unknown class: " + winrt::to_string(className));
         return REGDB_E_CLASSNOTREG;
     }
-    app::Object* const object = make->second();
+    const auto object = makeFactory->second();
     object->forbidKeeping();
     *factory = object->query(winrt::guid_of<foundation::IInspectable>());
-    object->release();
     return S_OK;
 }

@@ -6,8 +6,6 @@
 #include <functional>
 #include <map>
 #include <mutex>
-#include <optional>
-#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -19,26 +17,21 @@ namespace app {
 /// The app's UI thread: a single-threaded apartment whose work comes through its dispatcher.
 class UIThread {
   public:
-    UIThread();
-    ~UIThread();
-
     void post(std::function<void()> work, std::chrono::milliseconds delay = {});
     /// Runs the work there and waits for it.
     void run(const std::function<void()>& work);
-    bool isCurrent() const { return std::this_thread::get_id() == id; }
-    std::thread::id identifier() const { return id; }
+    bool isCurrent() const { return std::this_thread::get_id() == thread.get_id(); }
+    std::thread::id identifier() const { return thread.get_id(); }
 
   private:
     using Clock = std::chrono::steady_clock;
 
-    void loop();
+    [[noreturn]] void loop();
 
     std::mutex mutex;
     std::condition_variable changed;
     std::multimap<Clock::time_point, std::function<void()>> work;
-    bool ending = false;
-    std::thread::id id;
-    std::thread thread;
+    std::thread thread{[this] { loop(); }};
 };
 
 UIThread& uiThread();
@@ -50,91 +43,89 @@ struct Behaviour {
     HRESULT refusal = S_OK;  // of the call itself
     HRESULT failure = S_OK;  // of the asynchronous operation
     End end = End::soon;
-    Method method{};
 };
 
-/// That of the method that is being called on this thread.
-inline thread_local Behaviour currentBehaviour;
+/// What is known of a method that was called.
+struct Use {
+    std::wstring className;
+    bool startsOperation = false;
+};
+
+std::string nameOf(const Method& method, const std::wstring& className);
 
 /// A script that a page knows.
 struct ScriptAnswer {
     std::wstring result;
     HRESULT failure = S_OK;
-    std::wstring posted{};  // what the script posts to the native side
+    std::wstring posted{};                       // what the script posts to the native side
+    std::function<std::wstring()> current = {};  // the result, if it changes
 };
 
-/// What the test tells the app's side to do, and what it noticed. Any thread.
-class World {
-  public:
-    void behave(const Method& method, const Behaviour& behaviour);
+/// What the test tells the app's side to do, and what it noticed.
+struct World {
+    std::map<Method, Behaviour> behaviours;
+    std::wstring refusedClass;  // whose activation fails
+    /// Whether a call or an activation has met with either of these.
+    bool faulty = false;
+    /// What ends operations that would never end.
+    std::vector<std::function<void()>> pending;
     /// Everything as usual again; what would never have ended fails now.
     void behaveAsUsual();
-    Behaviour behaviourOf(const Method& method);
-    /// Calls `fail` when operations that never end are given up.
-    void whenGivenUp(std::function<void()> fail);
 
-    /// Lets the activation of a class fail.
-    void refuse(const std::wstring& className);
-    bool isRefused(const std::wstring& className);
+    std::map<Method, Use> methods;
+    std::vector<std::wstring> classes;
 
-    /// The methods that were called and the classes that were activated up to now, in that order.
-    std::vector<std::pair<Method, std::wstring>> calledMethods();
-    std::vector<std::wstring> activatedClasses();
-    /// Those of the methods that start an operation.
-    std::vector<std::pair<Method, std::wstring>> operations();
-    void noteCall(const Method& method, const wchar_t* object);
-    void noteOperation(const Method& method);
-    /// Whether anything has met with a fault since all was as usual.
-    bool wasFaulty();
-    /// Whether an operation is under way that never ends.
-    bool hasPending();
+    /// What pages were given to run, and other events.
+    std::vector<std::wstring> notes;
+    void note(const std::wstring& event) { notes.push_back(event); }
+    /// Whether something that begins so was noted.
+    bool hasNoted(const std::wstring& event) const;
 
-    void setScript(const std::wstring& script, ScriptAnswer answer);
-    std::optional<ScriptAnswer> script(const std::wstring& script);
-    void note(const std::wstring& event);
-    /// Whether something that begins so was noted since the notes were cleared: what pages were given to run,
-    /// and other events.
-    bool hasNoted(const std::wstring& event);
-    void clearNotes();
-
+    std::map<std::wstring, ScriptAnswer> scripts;
     /// Pages that cannot be loaded, by URL.
     std::map<std::wstring, winrt::Windows::Web::WebErrorStatus> unreachable;
-    /// The text files of the device, by path.
+    /// The files of the device, by path, and those of the network, by URL.
     std::map<std::wstring, std::string> files;
-    std::atomic<std::uint8_t> colour{1};  // tells one picture of a page from the next
-    std::atomic<double> rawPixelsPerViewPixel{1};
+
+    std::uint8_t colour = 1;  // tells one picture of a page from the next
+    double rawPixelsPerViewPixel = 1;
     /// How many pictures were taken, either way.
-    std::atomic<int> renderings{0};
-    std::atomic<int> previews{0};
-    foundation::Rect visibleBounds{0, 0, 1000, 800};
+    int renderings = 0;
+    int previews = 0;
+    /// How many controls there are.
+    int controls = 0;
     bool panelIsNested = false;
     bool hasPanel = true;
-
-  private:
-    std::mutex mutex;
-    std::vector<std::pair<Method, Behaviour>> behaviours;
-    std::vector<std::function<void()>> pending;
-    std::set<std::wstring> refusals;
-    bool faulty = false;
-    std::vector<std::wstring> classes;
-    std::vector<std::pair<Method, std::wstring>> methods;
-    std::vector<Method> started;
-    std::map<std::wstring, ScriptAnswer> scripts;
-    std::vector<std::wstring> notes;
 };
 
-World& world();
+/// The world, for one thread alone as long as the expression lasts.
+class LockedWorld {
+  public:
+    World* operator->() const { return &world; }
+
+  private:
+    static inline std::recursive_mutex mutex;
+    static inline World& world = *new World;
+
+    const std::unique_lock<std::recursive_mutex> lock{mutex};
+};
+
+inline LockedWorld world() {
+    return {};
+}
 
 /// Waits until the operation that is being started is to end, and fails if it is to fail.
-struct EndOfOperation {
-    EndOfOperation() { world().noteOperation(behaviour.method); }
-
-    Behaviour behaviour = currentBehaviour;
-    std::shared_ptr<std::atomic<bool>> givenUp = std::make_shared<std::atomic<bool>>(false);
+class EndOfOperation {
+  public:
+    EndOfOperation();
 
     bool await_ready() const { return false; }
     void await_suspend(std::coroutine_handle<> handle) const;
     void await_resume() const;
+
+  private:
+    Behaviour behaviour;
+    std::shared_ptr<std::atomic<bool>> givenUp = std::make_shared<std::atomic<bool>>(false);
 };
 
 /// The operation that ends with what `work` returns.
@@ -144,15 +135,13 @@ foundation::IAsyncOperation<Result> operation(std::function<Result()> work) {
     co_return work();
 }
 
-inline foundation::IAsyncAction action(std::function<void()> work = {}) {
+inline foundation::IAsyncAction action(std::function<void()> work) {
     co_await EndOfOperation();
-    if (work) {
-        work();
-    }
+    work();
 }
 
 /// The panel in the app's window.
-Object& appPanel();
+xaml::DependencyObject appPanel();
 /// Gives the window its content again, with nothing in the panel.
 void restoreWindow();
 
@@ -160,31 +149,34 @@ void restoreWindow();
 Factories userInterface();
 Factories webView();
 Factories content();
+Factories pictures();
 Factories web();
+
+using Bytes = std::vector<std::uint8_t>;
+
+streams::IBuffer bufferOf(Bytes bytes);
+streams::IRandomAccessStream streamOf(Bytes bytes);
+/// All that a stream holds.
+Bytes& contentOf(const streams::IInputStream& stream);
 
 /// The pixel at a place of a page's picture.
 std::uint32_t pixelAt(std::uint32_t x, std::uint32_t y, std::uint8_t colour);
-
-/// Bytes in memory.
-streams::IBuffer bufferOf(std::vector<std::uint8_t> bytes);
 
 struct Picture {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::uint8_t colour = 0;
 
-    std::vector<std::uint8_t> pixels() const;
+    Bytes pixels() const;
+    /// The file of the picture, in a format of its own.
+    Bytes file() const;
 };
 
 /// The picture of a page of this size on the display.
 Picture pictureOf(double width, double height);
-/// Puts a picture into a stream in the app's own format.
-void writePicture(const streams::IRandomAccessStream& stream, const Picture& picture);
 
 foundation::Uri uriOf(const std::wstring& text);
 std::wstring textOf(const foundation::Uri& uri);
-/// All that a stream holds.
-std::string contentOf(const streams::IInputStream& stream);
 
 /// Makes a page ask for something.
 void requestPermission(controls::WebViewPermissionType type);
