@@ -72,7 +72,7 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     // Scripts.
     /// Runs a script in the page. With a callback id its result, or what it threw, is sent as text in
     /// "HandleJavaScriptResult"; exactly one answer comes as long as the instance is not destroyed.
-    void executeJavaScript(std::string script, std::string resultCallbackId);
+    void executeJavaScript(std::string script, const std::string& resultCallbackId);
     void setConsoleMessageEventsEnabled(bool enabled);
     void setFocusedInputFieldEventsEnabled(bool enabled);
     /// Takes effect at the next page load.

@@ -31,13 +31,20 @@ void logScriptFailure(const winrt::hresult_error& error) {
 
 }  // namespace
 
-void UwpWebView::executeJavaScript(std::string script, std::string resultCallbackId) {
-    postToUIThread([weak = weak_from_this(), script = std::move(script),
-                    resultCallbackId = std::move(resultCallbackId)] {
-        if (const auto view = weak.lock(); view && !view->destroyed) {
-            view->runScript(script, resultCallbackId);
+void UwpWebView::executeJavaScript(std::string script, const std::string& resultCallbackId) {
+    try {
+        postToUIThread([weak = weak_from_this(), script = std::move(script), resultCallbackId] {
+            if (const auto view = weak.lock(); view && !view->destroyed) {
+                view->runScript(script, resultCallbackId);
+            }
+        });
+    } catch (...) {
+        // Whoever waits for the answer gets one all the same.
+        if (!resultCallbackId.empty()) {
+            sendMessage(messages::javaScriptResult, resultCallbackId + "," + log_texts::scriptResultMissing);
         }
-    });
+        throw;
+    }
 }
 
 void UwpWebView::runScript(const std::string& script, const std::string& resultCallbackId) {

@@ -165,6 +165,8 @@ void pauseOfTheDispatcher(Engine& engine) {
         session->turn();
         check(logged("WebView_setRenderingEnabled", from) && logged("WebView_resize", from),
               "work that is refused is logged");
+        check(session->evaluate("1").starts_with("Error: An unexpected error occurred"),
+              "a script that is refused is answered");
         world()->behaveAsUsual();
         plugin.WebView_setRenderingEnabled(session->view(), true);
         plugin.WebView_resize(session->view(), 40, 30);
