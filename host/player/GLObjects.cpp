@@ -10,17 +10,19 @@ namespace zarvik::player {
 
 namespace {
 
-unsigned compile(GLenum type, const char* source) {
+unsigned compile(GLenum type, const char* source, int samples) {
     const unsigned shader = glCreateShader(type);
-    glShaderSource(shader, 1, &source, nullptr);
+    const std::string head = "#version 330 core\n#define SAMPLES " + std::to_string(samples) + "\n";
+    const std::array sources{head.c_str(), source};
+    glShaderSource(shader, static_cast<GLsizei>(sources.size()), sources.data(), nullptr);
     glCompileShader(shader);
     return shader;
 }
 
-unsigned link(const char* vertexShader, const char* fragmentShader) {
+unsigned link(const char* vertexShader, const char* fragmentShader, int samples) {
     const unsigned program = glCreateProgram();
-    for (const unsigned shader :
-         {compile(GL_VERTEX_SHADER, vertexShader), compile(GL_FRAGMENT_SHADER, fragmentShader)}) {
+    for (const unsigned shader : {compile(GL_VERTEX_SHADER, vertexShader, samples),
+                                  compile(GL_FRAGMENT_SHADER, fragmentShader, samples)}) {
         glAttachShader(program, shader);
         glDeleteShader(shader);
     }
@@ -38,8 +40,8 @@ unsigned link(const char* vertexShader, const char* fragmentShader) {
 
 }  // namespace
 
-Program::Program(const char* vertexShader, const char* fragmentShader)
-    : name(link(vertexShader, fragmentShader)) {}
+Program::Program(const char* vertexShader, const char* fragmentShader, int samples)
+    : name(link(vertexShader, fragmentShader, samples)) {}
 
 Program::~Program() {
     glDeleteProgram(name);

@@ -13,8 +13,8 @@ namespace zarvik::player {
 
 class Program {
   public:
-    /// Throws std::runtime_error with OpenGL's reason.
-    Program(const char* vertexShader, const char* fragmentShader);
+    /// The shaders are compiled with SAMPLES as this number. Throws std::runtime_error with OpenGL's reason.
+    Program(const char* vertexShader, const char* fragmentShader, int samples = 1);
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;

@@ -13,7 +13,7 @@ namespace zarvik::player {
 struct Options {
     std::vector<std::string> pages{};
     host::Size pageSize{.width = 1280, .height = 720};
-    host::Size windowSize{.width = 1440, .height = 900};
+    host::Size windowSize{.width = 1440, .height = 810};
     std::filesystem::path script{};
     std::filesystem::path screenshot{};
     std::filesystem::path record{};

@@ -11,16 +11,10 @@ namespace zarvik::player {
 
 namespace {
 
-constexpr float wantedAnisotropy = 8;
-constexpr float sharpness = -0.35F;  // letters rather a little crisp than blurred
-
-float availableAnisotropy() {
-    float available = 1;
-    if (epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic")) {
-        glGetFloatv(GL_MAX_TEXTURE_MAX_ANISOTROPY_EXT, &available);
-    }
-    return std::min(available, wantedAnisotropy);
-}
+// How often a page is looked up for one pixel, a side. The mirror images are dim.
+constexpr int samplesInFrames = 2;
+constexpr int samplesInPictures = 4;
+constexpr int samplesInMirror = 1;
 
 /// The matrix that turns a place in clip coordinates into the direction in which the camera sees it.
 Matrix clipToDirection(const Camera& camera, host::Size window) {
@@ -41,6 +35,12 @@ Matrix clipToDirection(const Camera& camera, host::Size window) {
             0,         0,         0,         0};
 }
 
+/// Of the bound texture.
+void setFilter(GLint filter) {
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
+}
+
 double distanceTo(const Shape& shape, const Vector& eye) {
     Vector sum;
     for (const auto& vertex : shape.vertices) {
@@ -54,9 +54,10 @@ double distanceTo(const Shape& shape, const Vector& eye) {
 
 Renderer::Renderer()
     : backdrop(shaders::backdropVertex, shaders::backdropFragment),
-      surface(shaders::surfaceVertex, shaders::surfaceFragment),
-      toolbar(shaders::toolbarVertex, shaders::toolbarFragment),
-      anisotropy(availableAnisotropy()) {
+      surfaceInFrame(shaders::surfaceVertex, shaders::surfaceFragment, samplesInFrames),
+      surfaceInPicture(shaders::surfaceVertex, shaders::surfaceFragment, samplesInPictures),
+      surfaceInMirror(shaders::surfaceVertex, shaders::surfaceFragment, samplesInMirror),
+      toolbar(shaders::toolbarVertex, shaders::toolbarFragment) {
     glGenVertexArrays(1, &emptyVertexArray);
 }
 
@@ -65,20 +66,19 @@ Renderer::~Renderer() {
 }
 
 void Renderer::drawToWindow(const Frame& frame) {
-    prepareTextures(frame);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    draw(frame);
+    draw(frame, surfaceInFrame);
 }
 
 void Renderer::drawOffscreen(const Frame& frame) {
-    prepareTextures(frame);
     bindTarget(frame.window);
-    draw(frame);
+    draw(frame, surfaceInFrame);
     glFinish();  // there is no window system that would wait for it
 }
 
 host::Image Renderer::drawToImage(const Frame& frame) {
-    drawOffscreen(frame);
+    bindTarget(frame.window);
+    draw(frame, surfaceInPicture);
     host::Image lowestRowFirst(frame.window.width, frame.window.height);
     glReadPixels(0, 0, frame.window.width, frame.window.height, GL_BGRA, GL_UNSIGNED_BYTE,
                  lowestRowFirst.pixels.data());
@@ -99,7 +99,7 @@ void Renderer::bindTarget(host::Size size) {
     target->bind();
 }
 
-void Renderer::prepareTextures(const Frame& frame) {
+void Renderer::prepareMeshes(const Frame& frame) {
     if (meshesOf != frame.stage) {
         meshes.clear();
         for (const Shape& shape : frame.stage->surfaces()) {
@@ -107,30 +107,11 @@ void Renderer::prepareTextures(const Frame& frame) {
         }
         meshesOf = frame.stage;
     }
-    glActiveTexture(GL_TEXTURE0);
-    std::map<unsigned, std::uint64_t> used;
-    for (const auto& [texture, uploads] : frame.pages) {
-        if (texture == 0) {
-            continue;
-        }
-        used[texture] = uploads;
-        const auto known = levels.find(texture);
-        if (known != levels.end() && known->second == uploads) {
-            continue;
-        }
-        // From afar a page is read from smaller pictures of itself, or its letters would flicker.
-        glBindTexture(GL_TEXTURE_2D, texture);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 4);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-        glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_LOD_BIAS, sharpness);
-        glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MAX_ANISOTROPY_EXT, anisotropy);
-        glGenerateMipmap(GL_TEXTURE_2D);
-    }
-    levels = std::move(used);
 }
 
-void Renderer::draw(const Frame& frame) {
+void Renderer::draw(const Frame& frame, const Program& surface) {
+    prepareMeshes(frame);
+    glActiveTexture(GL_TEXTURE0);
     glViewport(0, 0, frame.window.width, frame.window.height);
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_BLEND);
@@ -140,10 +121,10 @@ void Renderer::draw(const Frame& frame) {
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);  // frames are premultiplied
     glEnable(GL_DEPTH_TEST);
     glClear(GL_DEPTH_BUFFER_BIT);
-    drawSurfaces(frame, true);
+    drawMirrorImages(frame);
     // The mirror images are below everything else.
     glClear(GL_DEPTH_BUFFER_BIT);
-    drawSurfaces(frame, false);
+    drawSurfaces(frame, surface, false);
 
     glDisable(GL_DEPTH_TEST);
     drawToolbar(frame);
@@ -157,7 +138,13 @@ void Renderer::drawBackdrop(const Frame& frame) const {
     glDrawArrays(GL_TRIANGLES, 0, 3);
 }
 
-void Renderer::drawSurfaces(const Frame& frame, bool mirrored) const {
+void Renderer::drawMirrorImages(const Frame& frame) const {
+    glEnable(GL_CLIP_DISTANCE0);
+    drawSurfaces(frame, surfaceInMirror, true);
+    glDisable(GL_CLIP_DISTANCE0);
+}
+
+void Renderer::drawSurfaces(const Frame& frame, const Program& surface, bool mirrored) const {
     const auto& shapes = frame.stage->surfaces();
     const Vector eye = frame.camera.position();
     std::vector<std::size_t> order(shapes.size());
@@ -176,6 +163,7 @@ void Renderer::drawSurfaces(const Frame& frame, bool mirrored) const {
         surface.set("framed", shapes[i].framed);
         surface.set("surfaceSize", Point{shapes[i].width, shapes[i].height});
         glBindTexture(GL_TEXTURE_2D, texture);
+        setFilter(GL_LINEAR);
         meshes[i]->draw();
     }
 }
@@ -185,8 +173,7 @@ void Renderer::drawToolbar(const Frame& frame) const {
         return;
     }
     glBindTexture(GL_TEXTURE_2D, frame.toolbar.glTexture);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    setFilter(GL_NEAREST);
     toolbar.use();
     toolbar.set("lowerEdge", 1 - 2.0 * frame.toolbarHeight / frame.window.height);
     glBindVertexArray(emptyVertexArray);

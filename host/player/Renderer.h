@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <vector>
 
@@ -50,24 +49,24 @@ class Renderer {
     host::Image drawToImage(const Frame& frame);
 
   private:
-    void draw(const Frame& frame);
+    void draw(const Frame& frame, const Program& surface);
     void drawBackdrop(const Frame& frame) const;
-    void drawSurfaces(const Frame& frame, bool mirrored) const;
+    void drawMirrorImages(const Frame& frame) const;
+    void drawSurfaces(const Frame& frame, const Program& surface, bool mirrored) const;
     void drawToolbar(const Frame& frame) const;
-    void prepareMeshes(const std::shared_ptr<const Stage>& stage);
-    void prepareTextures(const Frame& frame);
+    void prepareMeshes(const Frame& frame);
     void bindTarget(host::Size size);
 
     const Program backdrop;
-    const Program surface;
+    const Program surfaceInFrame;
+    const Program surfaceInPicture;
+    const Program surfaceInMirror;
     const Program toolbar;
-    const float anisotropy;
     unsigned emptyVertexArray = 0;  // core OpenGL draws nothing without one
     std::unique_ptr<OffscreenTarget> target;
 
     std::shared_ptr<const Stage> meshesOf;
     std::vector<std::unique_ptr<Mesh>> meshes;
-    std::map<unsigned, std::uint64_t> levels;  // for which upload a texture's smaller levels were made
 };
 
 }  // namespace zarvik::player
