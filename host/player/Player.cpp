@@ -73,8 +73,15 @@ void Player::run() {
 }
 
 void Player::play() {
-    ScriptRunner runner(*session, [this] { takeTurn(); }, options.timeoutSeconds);
+    const auto idle = [this] {
+        takeTurn();
+        if (window && window->closed()) {
+            throw Interrupted();
+        }
+    };
+    ScriptRunner runner(*session, idle, options.timeoutSeconds);
     runner.run(scriptOfOptions());
+    runner.waitForToolbar();
     runner.run(script);
 }
 

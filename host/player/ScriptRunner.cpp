@@ -37,6 +37,16 @@ void ScriptRunner::run(const Script& script) {
     }
 }
 
+void ScriptRunner::waitForToolbar() {
+    const auto begin = Clock::now();
+    while (!session.toolbarIsReady()) {
+        if (Clock::now() - begin >= timeout) {
+            throw ScriptFailure("The toolbar's page was not loaded.");
+        }
+        idle();
+    }
+}
+
 void ScriptRunner::waitUntil(const std::function<bool()>& satisfied,
                              const std::function<std::string()>& complaint) {
     const auto begin = Clock::now();

@@ -22,7 +22,10 @@ class ScriptRunner {
     ScriptRunner(Session& session, std::function<void()> idle, double timeoutSeconds)
         : session(session), idle(std::move(idle)), timeout(timeoutSeconds) {}
 
-    /// Throws ScriptFailure, and what `idle` throws.
+    // Both throw ScriptFailure, and what `idle` throws.
+
+    /// A script may use the toolbar from its first line on, and is played after this.
+    void waitForToolbar();
     void run(const Script& script);
 
   private:

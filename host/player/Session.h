@@ -65,6 +65,7 @@ class Session {
     /// How many ends of loads of a page nobody has to wait for any more.
     std::size_t& awaitedLoads(std::size_t page) { return pages.at(page).awaitedLoads; }
     const host::View& toolbarView() const { return toolbar.view(); }
+    bool toolbarIsReady() const { return toolbar.isReady(); }
     /// When something was done last, or a page was loaded.
     std::chrono::steady_clock::time_point lastChange() const;
 

@@ -24,6 +24,9 @@ class Toolbar {
     host::Size size() const { return currentSize; }
     void resize(host::Size size);
 
+    /// Whether its page has begun to work; before that, input is lost.
+    bool isReady() const { return ready; }
+
     /// What the user asks for in a message of the bar's page.
     std::optional<Action> actionFor(const std::string& message);
 
@@ -41,7 +44,7 @@ class Toolbar {
     host::Engine& engine;
     host::View webView;
     host::Size currentSize;
-    bool ready = false;  // the page has run its script
+    bool ready = false;
     std::string shown;
 };
 
