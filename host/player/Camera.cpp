@@ -15,7 +15,7 @@ const double halfHeight = std::tan(Camera::fieldOfView / 2);  // of the window, 
 
 constexpr double radiansPerDegree = M_PI / 180;
 
-double rounded(double value) {
+double toHundredths(double value) {
     return std::round(value * 100) / 100;
 }
 
@@ -28,9 +28,9 @@ double aspectOf(host::Size window) {
 Camera Camera::limited() const {
     const double reach = std::clamp(distance, nearest, farthest);
     const double lowest = std::asin(std::clamp((lowestEye - target.y) / reach, -1.0, 0.0)) / radiansPerDegree;
-    return {.yaw = rounded(std::remainder(yaw, 360)),
-            .pitch = rounded(std::clamp(pitch, std::max(lowest, -steepest), steepest)),
-            .distance = rounded(reach),
+    return {.yaw = toHundredths(std::remainder(yaw, 360)),
+            .pitch = toHundredths(std::clamp(pitch, std::max(lowest, -steepest), steepest)),
+            .distance = toHundredths(reach),
             .target = target};
 }
 

@@ -6,7 +6,7 @@ namespace zarvik::player {
 
 namespace {
 
-std::int32_t rounded(double value) {
+std::int32_t toPixels(double value) {
     return static_cast<std::int32_t>(std::lround(value));
 }
 
@@ -79,7 +79,7 @@ InputRouter::Receiver InputRouter::scroll(Point windowPoint, Point delta) {
         return Receiver::nobody;
     }
     noteInput(target->page);
-    plugin.WebView_scrollAtPoint(target->page.view->handle(), rounded(delta.x), rounded(delta.y), target->x,
+    plugin.WebView_scrollAtPoint(target->page.view->handle(), toPixels(delta.x), toPixels(delta.y), target->x,
                                  target->y);
     return receiverOf(*target);
 }
@@ -90,7 +90,7 @@ InputRouter::Receiver InputRouter::scrollPage(Point delta) {
     }
     const auto& page = scenery.pages[current];
     noteInput(page);
-    plugin.WebView_scroll(page.view->handle(), rounded(delta.x), rounded(delta.y));
+    plugin.WebView_scroll(page.view->handle(), toPixels(delta.x), toPixels(delta.y));
     return Receiver::page;
 }
 

@@ -100,7 +100,7 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
         "zarvik-player");
     app.add_option("URL", options.pages,
                    "Pages to show, each on a surface of its own: URLs, files, or the bundled pages 'welcome' "
-                   "and 'guide' (default: these two)")
+                   "and 'guide' (default: these two; the guide is also what stands beside a single page)")
         ->transform(checkedPage);
     auto* script =
         app.add_option("--script", options.script, "Play the steps in this file")->type_name("FILE");
@@ -143,8 +143,13 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
     if (!options.window && options.script.empty() && options.screenshot.empty()) {
         options.screenshot = defaultScreenshot;
     }
-    if (options.pages.empty() && options.script.empty()) {
-        options.pages = {"welcome", "guide"};
+    if (options.script.empty()) {
+        if (options.pages.empty()) {
+            options.pages = {"welcome"};
+        }
+        if (options.pages.size() == 1) {
+            options.pages.emplace_back("guide");
+        }
     }
     return options;
 }

@@ -1,24 +1,18 @@
 #include "PageReports.h"
 
 #include <charconv>
-#include <nlohmann/json.hpp>
+
+#include "Json.h"
 
 namespace zarvik::player {
 
 namespace {
 
-using nlohmann::json;
-
 constexpr const char* cancelled = "Page load failed with WebErrorStatus: 16";
-
-std::string textIn(const json& object, const char* name) {
-    const auto found = object.find(name);
-    return found != object.end() && found->is_string() ? found->get<std::string>() : std::string();
-}
 
 /// A message of a page. Pages may post what they like, so nothing about it is certain.
 void takeMessage(PageState& state, const std::string& text) {
-    const auto message = json::parse(text, nullptr, false);
+    const auto message = nlohmann::json::parse(text, nullptr, false);
     if (!message.is_object()) {
         return;
     }

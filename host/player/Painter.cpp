@@ -52,7 +52,7 @@ std::optional<Renderer::Frame> Painter::currentFrame() {
 
 bool Painter::draw() {
     auto frame = currentFrame();
-    if (!frame || frame == drawn) {
+    if (!frame || (!stale.exchange(false) && frame == drawn)) {
         return false;
     }
     if (frames == Frames::window) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -27,6 +28,9 @@ class Painter {
     /// What to draw from now on. Its views must outlive the painter. Any thread.
     void show(Scenery scenery);
 
+    /// Makes the next frame count as changed. Any thread.
+    void redraw() { stale = true; }
+
     /// The picture of now. Any thread but the render thread.
     host::Image picture();
 
@@ -39,7 +43,8 @@ class Painter {
     Statistics& statistics;
     const Frames frames;
 
-    std::mutex mutex;
+    std::atomic<bool> stale = false;
+    std::mutex mutex;  // guards the one below
     std::optional<Scenery> scenery;
 
     // Render thread only.

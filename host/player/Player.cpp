@@ -17,6 +17,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds roundTime{10};
 constexpr milliseconds sampleTime{200};
 constexpr milliseconds reportTime{1000};
+constexpr milliseconds resizeLimit{1000};
 
 std::atomic<bool> interrupted = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it");
@@ -28,6 +29,7 @@ Player::Player(Options chosen)
       script(options.script.empty() ? Script() : Script::read(options.script)),
       printer(options.verbose),
       reports(Toolbar::target) {
+    nextReport += reportTime;
     if (!options.record.empty()) {
         recorder = std::make_unique<SessionRecorder>(options.record);
     }
@@ -49,7 +51,10 @@ Player::Player(Options chosen)
                                              : Painter::Frames::none;
     session = std::make_unique<Session>(
         *engine, reports, statistics, recorder.get(),
-        Session::Settings{.pageSize = options.pageSize, .window = options.windowSize, .frames = frames});
+        Session::Settings{.pageSize = options.pageSize,
+                          .window = options.windowSize,
+                          .frames = frames,
+                          .resizeWindow = [this](host::Size size) { resizeWindow(size); }});
     if (window) {
         input = std::make_unique<WindowInput>(*session, [this] { return window->clipboardText(); });
     }
@@ -62,14 +67,16 @@ void Player::interrupt() {
 }
 
 void Player::run() {
-    play();
-    while (window && !window->closed() && options.script.empty()) {
-        takeTurn();
+    try {
+        play();
+        while (window && !window->closed() && options.script.empty()) {
+            takeTurn();
+        }
+    } catch (const Interrupted&) {
+        tellSummary();
+        throw;
     }
-    if (options.statistics) {
-        statistics.sample();
-        std::printf("\n%s\n", statistics.summary().c_str());
-    }
+    tellSummary();
 }
 
 void Player::play() {
@@ -121,7 +128,7 @@ void Player::takeTurn() {
 void Player::handleWindow() {
     const auto events = window->takeEvents(std::chrono::duration<double>(roundTime).count());
     const auto size = window->framebufferSize();
-    if (size.width > 0 && size.height > 0 &&
+    if (size.width > 0 && size.height > 0 && Statistics::Clock::now() >= windowResizeEnd &&
         (size.width != session->window().width || size.height != session->window().height)) {
         session->perform(steps::ResizeWindow{size});
     }
@@ -137,6 +144,24 @@ void Player::handleWindow() {
         } catch (const StepError& error) {
             std::fprintf(stderr, "%s\n", error.what());
         }
+    }
+}
+
+void Player::resizeWindow(host::Size size) {
+    if (!window) {
+        return;
+    }
+    const auto current = window->framebufferSize();
+    if (size.width != current.width || size.height != current.height) {
+        window->resize(size);
+        windowResizeEnd = Statistics::Clock::now() + resizeLimit;
+    }
+}
+
+void Player::tellSummary() {
+    if (options.statistics) {
+        statistics.sample();
+        std::printf("\n%s\n", statistics.summary().c_str());
     }
 }
 

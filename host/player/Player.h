@@ -45,6 +45,8 @@ class Player {
     void takeTurn();
     void handleWindow();
     void tellStatistics();
+    void tellSummary();
+    void resizeWindow(host::Size size);
 
     const Options options;
     const Script script;
@@ -52,7 +54,8 @@ class Player {
     PageReports reports;
     Statistics statistics;
     Statistics::Clock::time_point nextSample;
-    Statistics::Clock::time_point nextReport;
+    Statistics::Clock::time_point nextReport = Statistics::Clock::now();
+    Statistics::Clock::time_point windowResizeEnd;  // until then the window may still have its old size
     std::unique_ptr<SessionRecorder> recorder;
     std::unique_ptr<host::WindowContext> window;
     std::unique_ptr<host::Engine> engine;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
+#include "Json.h"
 #include "zarvik/host/Png.h"
 
 namespace zarvik::player {
@@ -14,10 +14,6 @@ using std::chrono::milliseconds;
 
 // A page that is busy answers late; meanwhile the window has to live on.
 constexpr milliseconds answerSlice{200};
-
-std::string quoted(const std::string& text) {
-    return nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
-}
 
 }  // namespace
 
@@ -133,17 +129,17 @@ void ScriptRunner::waitForPage(const std::string& condition, const std::string& 
 }
 
 void ScriptRunner::check(const steps::WaitForText& step) {
-    waitForPage("document.body.innerText.indexOf(" + quoted(step.text) + ") >= 0",
+    waitForPage("document.body.innerText.indexOf(" + toScript(step.text) + ") >= 0",
                 "the page has no text '" + step.text + "'");
 }
 
 void ScriptRunner::check(const steps::WaitForElement& step) {
-    waitForPage("document.querySelector(" + quoted(step.selector) + ") !== null",
+    waitForPage("document.querySelector(" + toScript(step.selector) + ") !== null",
                 "the page has no element '" + step.selector + "'");
 }
 
 void ScriptRunner::check(const steps::WaitForTruth& step) {
-    waitForPage("Boolean(eval(" + quoted(step.expression) + "))", "this is not true: " + step.expression);
+    waitForPage("Boolean(eval(" + toScript(step.expression) + "))", "this is not true: " + step.expression);
 }
 
 void ScriptRunner::check(const steps::Timeout& step) {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "Address.h"
+#include "Json.h"
 
 namespace zarvik::player {
 
@@ -29,6 +29,7 @@ Session::Session(host::Engine& engine, PageReports& reports, Statistics& statist
       reports(reports),
       recorder(recorder),
       pageSize(settings.pageSize),
+      resizeWindow(settings.resizeWindow),
       toolbar(engine, toolbarSize(settings.window)),
       painter(engine, statistics, settings.frames),
       router(engine.plugin(), statistics) {
@@ -273,6 +274,9 @@ void Session::run(const steps::ResizeWindow& step) {
     scenery.window = step.size;
     toolbar.resize(toolbarSize(step.size));
     frameScene();
+    if (resizeWindow) {
+        resizeWindow(step.size);
+    }
     record(step);
 }
 
@@ -318,7 +322,7 @@ Point Session::middleOf(const std::string& selector) {
         "'none'; } "
         "var box = element.getBoundingClientRect(); "
         "return 'at ' + (box.left + box.width / 2) + ' ' + (box.top + box.height / 2); })(" +
-        nlohmann::json(selector).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace) + ")";
+        toScript(selector) + ")";
     const auto answer = viewOf(currentPage()).evaluate(script, elementLimit);
     if (!answer) {
         throw StepError("the page does not answer");

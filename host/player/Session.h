@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -31,6 +32,8 @@ class Session {
         host::Size pageSize;
         host::Size window;
         Painter::Frames frames = Painter::Frames::none;
+        /// Is called when the window is to have another size. Null: there is none.
+        std::function<void(host::Size)> resizeWindow{};
     };
 
     /// All but the settings must outlive the session. Without a recorder nothing is recorded.
@@ -48,6 +51,8 @@ class Session {
     void update();
 
     host::Image picture() { return painter.picture(); }
+    /// Draws the next frame although nothing has changed.
+    void redraw() { painter.redraw(); }
 
     host::Size window() const { return scenery.window; }
     const Camera& camera() const { return scenery.camera; }
@@ -116,6 +121,7 @@ class Session {
     PageReports& reports;
     SessionRecorder* const recorder;
     const host::Size pageSize;
+    const std::function<void(host::Size)> resizeWindow;
     Toolbar toolbar;
     std::vector<Page> pages;
     Painter painter;  // before the views go, it must

@@ -15,7 +15,7 @@ constexpr double boxScale = 0.62;
 constexpr double firstTurn = 0.14;
 constexpr double boxTurn = 0.5;
 
-constexpr double margin = 0.05;    // of the window, on each side
+constexpr double margin = 0.04;    // of the window, on each side
 constexpr double cameraPitch = 5;  // degrees
 
 Shape::Kind kindOf(std::size_t surface) {

@@ -1,22 +1,10 @@
 #include "Toolbar.h"
 
-#include <nlohmann/json.hpp>
-
 #include "Address.h"
 #include "BundledPages.h"
+#include "Json.h"
 
 namespace zarvik::player {
-
-namespace {
-
-using nlohmann::json;
-
-std::string textIn(const json& object, const char* name) {
-    const auto found = object.find(name);
-    return found != object.end() && found->is_string() ? found->get<std::string>() : std::string();
-}
-
-}  // namespace
 
 Toolbar::Toolbar(host::Engine& engine, host::Size size)
     : engine(engine), webView(engine, size, false, target), currentSize(size) {
@@ -31,7 +19,7 @@ void Toolbar::resize(host::Size size) {
 }
 
 std::optional<Action> Toolbar::actionFor(const std::string& text) {
-    const auto message = json::parse(text, nullptr, false);
+    const auto message = nlohmann::json::parse(text, nullptr, false);
     if (!message.is_object()) {
         return std::nullopt;
     }
@@ -59,17 +47,16 @@ void Toolbar::show(const PageState& state, std::size_t number, std::size_t count
     if (!ready) {
         return;
     }
-    const json page{{"url", state.url},
-                    {"title", state.title},
-                    {"loading", state.loading},
-                    {"progress", state.progress},
-                    {"failure", state.failure},
-                    {"canGoBack", state.canGoBack},
-                    {"canGoForward", state.canGoForward},
-                    {"number", number},
-                    {"count", count}};
-    // Only ASCII and no broken characters: the text is a script.
-    auto next = page.dump(-1, ' ', true, json::error_handler_t::replace);
+    const nlohmann::json page{{"url", state.url},
+                              {"title", state.title},
+                              {"loading", state.loading},
+                              {"progress", state.progress},
+                              {"failure", state.failure},
+                              {"canGoBack", state.canGoBack},
+                              {"canGoForward", state.canGoForward},
+                              {"number", number},
+                              {"count", count}};
+    auto next = toScript(page);
     if (next != shown) {
         run("toolbar.show(" + next + ")");
         shown = std::move(next);
@@ -85,6 +72,9 @@ void Toolbar::leaveAddress() {
 }
 
 void Toolbar::run(const std::string& script) const {
+    if (!ready) {
+        return;
+    }
     engine.plugin().WebView_executeJavaScript(webView.handle(), script.c_str(), "");
 }
 

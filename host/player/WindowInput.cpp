@@ -46,6 +46,9 @@ void WindowInput::handle(const WindowEvent& event) {
         case WindowEvent::Kind::keyPressed:
             pressKey(event);
             break;
+        case WindowEvent::Kind::uncovered:
+            session.redraw();
+            break;
         case WindowEvent::Kind::textTyped:
             session.perform(steps::Type{event.text});
             break;

@@ -95,6 +95,8 @@ void WindowContext::listen() {
         contextOf(changed).framebufferWidth = width;
         contextOf(changed).framebufferHeight = height;
     });
+    glfwSetWindowRefreshCallback(window,
+                                 [](GLFWwindow* uncovered) { contextOf(uncovered).add(Kind::uncovered); });
     glfwSetCursorPosCallback(window,
                              [](GLFWwindow* at, double x, double y) { contextOf(at).movePointer(x, y); });
     glfwSetCursorEnterCallback(window, [](GLFWwindow* at, int entered) {
@@ -159,10 +161,6 @@ bool WindowContext::closed() const {
 
 void WindowContext::resize(Size size) {
     glfwSetWindowSize(window, size.width, size.height);
-}
-
-void WindowContext::setTitle(const std::string& title) {
-    glfwSetWindowTitle(window, title.c_str());
 }
 
 std::string WindowContext::clipboardText() const {

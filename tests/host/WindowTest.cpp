@@ -26,7 +26,7 @@ constexpr Size window{900, 600};
 constexpr Size page{1280, 720};
 
 // The button reports each click, the field each text, the page each scroll.
-const std::string reportingPage = R"(<style>body { margin: 0; height: 3000px }
+const std::string reportingPage = R"(<title>Reporting</title><style>body { margin: 0; height: 3000px }
     button { position: absolute; left: 100px; top: 100px; width: 300px; height: 120px }
     input { position: absolute; left: 100px; top: 300px; width: 300px; height: 60px }</style>
     <button></button><input><script>
@@ -107,21 +107,21 @@ TEST(WindowTest, MouseAndKeyboardReachThePageAndAreRecorded) {
         server.page(path, "");
     }
     Scenery scenery;
-    scenery.stage = std::make_shared<Stage>(std::vector<Size>{page});
+    scenery.stage =
+        std::make_shared<Stage>(std::vector<Size>{page, page});  // the guide stands beside the page
     scenery.window = window;
     scenery.camera = scenery.stage->camera(window, Scenery::toolbarHeight);
-    scenery.pages = {{.view = nullptr, .size = page}};
+    scenery.pages = {{.view = nullptr, .size = page}, {.view = nullptr, .size = page}};
     const auto onButton = scenery.windowPointOf(0, {250, 160});
     const auto onField = scenery.windowPointOf(0, {250, 330});
     ASSERT_TRUE(onButton && onField);
 
     const auto recording = folder / "recording.script";
     PlayerProgram player({"--window", "--window-size", "900x600", "--record", recording, server.url("/")});
+    // The agent in the page works once it has reported the title.
     ASSERT_TRUE(waitUntil([&] {
-        return readFile(recording).find("wait load 1") != std::string::npos ||
-               player.output().find("HandleLoadFinished") != std::string::npos;
+        return player.output().find("titleChanged\",\"value\":\"Reporting\"") != std::string::npos;
     })) << player.output();
-    std::this_thread::sleep_for(milliseconds(500));  // the agent in the page starts
 
     desktop.move(*onButton);
     desktop.click(Button1);

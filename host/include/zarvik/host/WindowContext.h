@@ -22,11 +22,10 @@ class WindowContext final : public GLContext {
     WindowContext& operator=(const WindowContext&) = delete;
 
     /// Waits for events, at most for this time, and returns what the user did since the last call. Main
-    /// thread; so are the four below.
+    /// thread; so are the three below.
     std::vector<WindowEvent> takeEvents(double timeoutSeconds);
     bool closed() const;
     void resize(Size size);
-    void setTitle(const std::string& title);
     std::string clipboardText() const;
 
     void makeCurrent() override;

@@ -13,7 +13,8 @@ struct WindowEvent {
         buttonReleased,
         wheelTurned,
         keyPressed,  // repeated while the key is held
-        textTyped
+        textTyped,
+        uncovered  // what was drawn may be lost
     };
 
     Kind kind = Kind::pointerMoved;
