@@ -78,12 +78,12 @@ class Words {
         return std::string(std::exchange(left, {}));
     }
 
-    std::string upToLast(std::string_view separator, const char* what) {
+    std::string_view upToLast(std::string_view separator, const char* what) {
         const auto end = left.rfind(separator);
         if (end == std::string_view::npos || end == 0) {
             fail(std::string(what) + " is missing");
         }
-        const std::string text(left.substr(0, end));
+        const auto text = left.substr(0, end);
         left.remove_prefix(end + separator.size());
         skipBlanks();
         return text;

@@ -123,7 +123,7 @@ TEST(RecordingTest, WhatBelongsTogetherIsOneLineWithThePausesBetween) {
                   .add(1000, Move{there})
                   .add(16, Move{here})
                   .add(20, Press{.place = here})
-                  .add(90, Release{.place = here})
+                  .add(90, steps::Release{.place = here})
                   .add(500, Type{"a"})
                   .add(120, Type{"b "})
                   .add(300, Key{"Enter"})
@@ -137,10 +137,10 @@ TEST(RecordingTest, ADoubleClickIsOneAndALongPressIsNone) {
     Recording recording;
     for (const int count : {1, 2}) {
         recording.add(100, Press{.place = here, .clickCount = count})
-            .add(50, Release{.place = here, .clickCount = count});
+            .add(50, steps::Release{.place = here, .clickCount = count});
     }
     recording.add(1000, Press{.place = here, .button = Button::right})
-        .add(1000, Release{.place = here, .button = Button::right});
+        .add(1000, steps::Release{.place = here, .button = Button::right});
     EXPECT_EQ(recording.text(),
               "double-click 10 20.5\nwait 1.00\npress right 10 20.5\nwait 1.00\nrelease right 10 20.5\n");
 }
@@ -151,7 +151,7 @@ TEST(RecordingTest, ADragKeepsItsWayAndTheCameraOnlyItsEnd) {
                   .add(0, Press{.place = here})
                   .add(16, Move{WindowPoint{{11, 21}}})
                   .add(16, Move{WindowPoint{{12, 25}}})
-                  .add(16, Release{.place = there})
+                  .add(16, steps::Release{.place = there})
                   .add(10, MoveCamera{.yaw = 1, .pitch = 2, .distance = 3})
                   .add(10, MoveCamera{.yaw = 4.5, .pitch = 2, .distance = 3})
                   .text(),
