@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
 #include <utility>
 
 #include "Address.h"
@@ -50,8 +51,8 @@ void Session::update() {
         if (const auto action = toolbar.actionFor(message)) {
             try {
                 perform(*action);
-            } catch (const StepError&) {
-                // The toolbar asked for what is gone: there is nothing to do.
+            } catch (const StepError& error) {
+                std::fprintf(stderr, "%s\n", error.what());
             }
         }
     }

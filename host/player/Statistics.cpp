@@ -16,6 +16,10 @@ double seconds(std::chrono::steady_clock::duration duration) {
     return std::chrono::duration<double>(duration).count();
 }
 
+double rate(std::uint64_t count, double interval) {
+    return static_cast<double>(count) / interval;
+}
+
 template <typename... Arguments>
 std::string formatted(const char* format, Arguments... arguments) {
     const int length = std::snprintf(nullptr, 0, format, arguments...);
@@ -32,11 +36,7 @@ double percentile(const std::vector<double>& sorted, double part) {
 
 }  // namespace
 
-Statistics::Statistics() {
-    sample();
-    atStart = totals;
-    previous = totals;
-}
+Statistics::Statistics() : processes(host::processTreeTimes()) {}
 
 void Statistics::inputSent(const std::string& view, std::uint64_t pictures) {
     const std::scoped_lock lock(mutex);
@@ -76,11 +76,11 @@ void Statistics::sample() {
 std::string Statistics::lastInterval() {
     const std::scoped_lock lock(mutex);
     const double interval = seconds(totals.time - previous.time);
-    auto line = formatted("%.0f frames/s, processor %.0f %%", (totals.frames - previous.frames) / interval,
+    auto line = formatted("%.0f frames/s, processor %.0f %%", rate(totals.frames - previous.frames, interval),
                           100 * seconds(totals.processorTime - previous.processorTime) / interval);
     for (const auto& [view, pictures] : totals.pictures) {
-        line +=
-            formatted(", %s %.0f pictures/s", view.c_str(), (pictures - previous.pictures[view]) / interval);
+        line += formatted(", %s %.0f pictures/s", view.c_str(),
+                          rate(pictures - previous.pictures[view], interval));
     }
     previous = totals;
     return line;
@@ -88,17 +88,17 @@ std::string Statistics::lastInterval() {
 
 std::string Statistics::summary() const {
     const std::scoped_lock lock(mutex);
-    const double interval = seconds(totals.time - atStart.time);
-    const double processor = seconds(totals.processorTime - atStart.processorTime);
+    const double interval = seconds(totals.time - start);
+    const double processor = seconds(totals.processorTime);
     auto text = formatted(
         "%.1f s\n"
         "frames drawn        %llu (%.1f/s)\n"
         "processor time      %.2f s in all processes (%.0f %% of one core)\n",
-        interval, static_cast<unsigned long long>(totals.frames), totals.frames / interval, processor,
+        interval, static_cast<unsigned long long>(totals.frames), rate(totals.frames, interval), processor,
         100 * processor / interval);
     for (const auto& [view, pictures] : totals.pictures) {
         text += formatted("pictures uploaded   %s: %llu (%.1f/s)\n", view.c_str(),
-                          static_cast<unsigned long long>(pictures), pictures / interval);
+                          static_cast<unsigned long long>(pictures), rate(pictures, interval));
     }
     text += formatted("input to picture    %zu of %zu inputs were followed by a new picture of their page",
                       latencies.size(), latencies.size() + waiting.size() + unanswered);

@@ -40,7 +40,7 @@ class Statistics {
         Clock::time_point time;
     };
     struct Totals {
-        Clock::time_point time{};
+        Clock::time_point time = Clock::now();
         std::uint64_t frames = 0;
         std::map<std::string, std::uint64_t> pictures{};
         std::chrono::nanoseconds processorTime{};
@@ -53,7 +53,7 @@ class Statistics {
     Totals totals;
     host::ProcessTimes processes;  // the last known time of each process that was ever seen
 
-    Totals atStart;
+    const Clock::time_point start = Clock::now();
     Totals previous;
 };
 

@@ -193,6 +193,7 @@ TEST_F(PlayerTest, TheToolbarLeadsAwayFromAPageThatDoesNotAnswer) {
                                  R"(
         key Enter
         wait failure
+        wait painted
         click 28 26
         wait load
         print document.title

@@ -45,7 +45,8 @@ TEST(ShapeTest, ARayMeetsAPanelAtItsCornersAndNotBeyond) {
     EXPECT_NEAR(panel.width / panel.height, 1600.0 / 900, 1e-9);
 
     struct Corner {
-        double x, y;
+        double x = 0;
+        double y = 0;
         Point page;
     };
     for (const auto& [x, y, page] : {Corner{left, top, {0, 0}}, Corner{-left, top, {1, 0}},
@@ -124,8 +125,9 @@ TEST(SceneryTest, EveryPageIsInTheWindowAndEachOfItsVisiblePixelsIsFoundAgain) {
         const auto scenery = sceneryOf(pages);
         for (std::size_t i = 0; i < pages.size(); ++i) {
             const auto [width, height] = pages[i];
-            for (const Point pixel : {Point{0, 0}, Point(width - 1, 0), Point(0, height - 1),
-                                      Point(width - 1, height - 1), Point(width / 2, height / 3)}) {
+            for (const Point pixel :
+                 {Point{0, 0}, Point(width - 1, 0), Point(0, height - 1), Point(width - 1, height - 1),
+                  Point(std::floor(width * 0.5), std::floor(height * 0.3))}) {
                 const auto point = scenery.windowPointOf(i, pixel);
                 ASSERT_TRUE(point) << pages.size() << " pages, page " << i << ", " << pixel.x << " "
                                    << pixel.y;
