@@ -42,7 +42,10 @@ class WatchedPixel {
   public:
     WatchedPixel(host::Engine& engine, const host::View& view, Point point)
         : engine(engine), view(view), point(point) {
-        engine.setDrawing([this] { look(); });
+        engine.setDrawing([this] {
+            look();
+            return false;
+        });
     }
     ~WatchedPixel() { engine.setDrawing(nullptr); }
     WatchedPixel(const WatchedPixel&) = delete;

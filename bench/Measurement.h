@@ -3,7 +3,7 @@
 #include <chrono>
 #include <cstdint>
 
-#include "ProcessTree.h"
+#include "zarvik/host/ProcessTree.h"
 
 namespace zarvik::bench {
 
@@ -11,7 +11,7 @@ namespace zarvik::bench {
 struct Reading {
     std::chrono::steady_clock::time_point time;
     std::uint64_t frames;
-    ProcessTimes processes;
+    host::ProcessTimes processes;
     std::chrono::nanoseconds renderThread;
 
     /// Reads the processor times of this process's tree now.

@@ -16,7 +16,7 @@ packages=(
     # the engine and its player
     libepoxy-dev libegl-dev libgles-dev libglfw3-dev libcli11-dev libpng-dev
     # the tests
-    libgtest-dev libcpp-httplib-dev libssl-dev chromium:chromium
+    libgtest-dev libcpp-httplib-dev libssl-dev libxtst-dev chromium:chromium
     # running pages without a screen
     xvfb:Xvfb xauth:xauth libegl1 libgl1-mesa-dri fonts-dejavu-core bubblewrap:bwrap xdg-dbus-proxy:xdg-dbus-proxy
 )

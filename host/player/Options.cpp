@@ -1,11 +1,11 @@
 #include "Options.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cctype>
 #include <charconv>
+#include <cstdlib>
 #include <optional>
 
+#include "Address.h"
 #include "zarvik/host/GLDevice.h"
 #include "zarvik/host/Plugin.h"
 
@@ -16,6 +16,29 @@ namespace {
 constexpr int usageError = 2;
 constexpr const char* defaultScreenshot = "zarvik-player.png";
 
+constexpr const char* footer = R"(
+In the window:
+  left button, wheel, keys  go to the page under the pointer, or to the toolbar
+  right drag, Alt + drag    turn the scene; so does a drag beside the pages
+  Ctrl + wheel              zoom; so does the wheel beside the pages
+  Ctrl+L, Escape            to the address, back to the page
+  Ctrl+V                    types what the clipboard holds
+  Alt+Left, Alt+Right, F5   back, forward, reload
+  Ctrl+Home                 the whole scene again
+
+Steps of a script, one a line, after # a comment:
+  open URL, load URL, back, forward, reload, stop, view N, resize WIDTH HEIGHT
+  click PLACE, double-click PLACE, right-click PLACE, middle-click PLACE,
+  move PLACE, press PLACE, release PLACE, drag PLACE to PLACE,
+  scroll DX DY [at PLACE], type TEXT, key NAME
+  camera YAW PITCH DISTANCE, camera reset, window WIDTH HEIGHT
+  wait SECONDS, wait load, wait failure, wait painted, wait text TEXT,
+  wait element SELECTOR, wait true EXPRESSION, timeout SECONDS
+  screenshot FILE, print EXPRESSION
+A PLACE is X Y in the window, page X Y in the page, or a CSS selector in the page.
+
+Exit codes: 0 done, 1 something failed, 2 wrong usage or a script that cannot be read.)";
+
 std::optional<int> parseDimension(std::string_view text) {
     int value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -24,96 +47,109 @@ std::optional<int> parseDimension(std::string_view text) {
     return valid ? std::optional(value) : std::nullopt;
 }
 
-host::Size parseSize(const std::string& text) {
-    const auto separator = text.find('x');
-    const auto width = parseDimension(std::string_view(text).substr(0, separator));
-    const auto height = separator == std::string::npos
-                            ? std::nullopt
-                            : parseDimension(std::string_view(text).substr(separator + 1));
-    if (!width || !height) {
-        throw CLI::ValidationError("--size", "'" + text + "' is not WIDTHxHEIGHT, each from 1 to " +
+/// Writes as "WIDTHxHEIGHT", and reads that.
+class SizeOption {
+  public:
+    SizeOption(CLI::App& app, const char* name, const char* description, host::Size& size)
+        : name(name), size(size), text(std::to_string(size.width) + "x" + std::to_string(size.height)) {
+        app.add_option(name, text, description)->type_name("WIDTHxHEIGHT")->capture_default_str();
+    }
+
+    void parse() const {
+        const auto separator = text.find('x');
+        const auto width = parseDimension(std::string_view(text).substr(0, separator));
+        const auto height = separator == std::string::npos
+                                ? std::nullopt
+                                : parseDimension(std::string_view(text).substr(separator + 1));
+        if (!width || !height) {
+            throw CLI::ValidationError(name, "'" + text + "' is not WIDTHxHEIGHT, each from 1 to " +
                                                  std::to_string(host::GLDevice::maxTextureSize));
-    }
-    return {.width = *width, .height = *height};
-}
-
-bool hasScheme(const std::string& url) {
-    const auto colon = url.find(':');
-    return colon != std::string::npos && colon > 0 && std::isalpha(static_cast<unsigned char>(url.front())) &&
-           std::all_of(
-               url.begin(), url.begin() + static_cast<std::ptrdiff_t>(colon), [](unsigned char character) {
-                   return std::isalnum(character) || character == '+' || character == '-' || character == '.';
-               });
-}
-
-std::string fileUrl(const std::filesystem::path& path) {
-    constexpr std::string_view hexDigits = "0123456789ABCDEF";
-    std::string url = "file://";
-    for (const unsigned char byte : std::filesystem::canonical(path).string()) {
-        if (std::isalnum(byte) ||
-            std::string_view("/-._~").find(static_cast<char>(byte)) != std::string_view::npos) {
-            url += static_cast<char>(byte);
-        } else {
-            url += {'%', hexDigits[byte >> 4], hexDigits[byte & 15]};
         }
+        size = {.width = *width, .height = *height};
     }
-    return url;
-}
+
+  private:
+    const char* const name;
+    host::Size& size;
+    std::string text;
+};
 
 /// A file of the machine may be named by its path.
-std::string toUrl(const std::string& argument) {
-    if (std::filesystem::exists(argument)) {
-        return fileUrl(argument);
+std::string checkedPage(const std::string& argument) {
+    try {
+        return toUrl(argument);
+    } catch (const std::invalid_argument& error) {
+        throw CLI::ValidationError(error.what());
     }
-    if (!hasScheme(argument)) {
-        throw CLI::ValidationError("'" + argument + "' is neither a URL nor a file");
-    }
-    return argument;
+}
+
+bool hasDisplay() {
+    const char* display = std::getenv("DISPLAY");  // NOLINT(concurrency-mt-unsafe): no other thread yet
+    return display && *display != '\0';
 }
 
 }  // namespace
 
 std::variant<Options, int> parseOptions(int argc, char** argv) {
     Options options{.library = host::Plugin::defaultPath()};
-    std::string size = "1280x720";
+    bool headless = false;
 
     CLI::App app(
-        "Loads web pages through the Zarvik Orvella plug-in, draws their textures as an engine would, and "
-        "writes the picture that it drew. Prints what the plug-in reports.",
+        "Shows web pages in a small 3D scene, through the Zarvik Orvella plug-in, as an engine would: in a "
+        "window where there is a display, and otherwise in a picture. Prints what the plug-in reports.",
         "zarvik-player");
-    app.add_option(
-           "URL", options.urls,
-           "Pages to load, side by side: URLs or files (default: the page that comes with the program)")
-        ->transform(toUrl);
-    app.add_option("--size", size, "Size of each page in pixels")
-        ->type_name("WIDTHxHEIGHT")
-        ->capture_default_str();
+    app.add_option("URL", options.pages,
+                   "Pages to show, each on a surface of its own: URLs, files, or the bundled pages 'welcome' "
+                   "and 'guide' (default: these two; the guide is also what stands beside a single page)")
+        ->transform(checkedPage);
+    auto* script =
+        app.add_option("--script", options.script, "Play the steps in this file")->type_name("FILE");
+    app.add_option("--record", options.record, "Write what is done as such a file")->type_name("FILE");
     auto* screenshot = app.add_option("--screenshot", options.screenshot,
                                       "Picture to write (default: " + std::string(defaultScreenshot) + ")")
                            ->type_name("FILE.png");
+    auto* window = app.add_flag("--window", options.window, "Show a window, also while a script plays");
+    app.add_flag("--headless", headless, "Show no window")->excludes(window);
+    screenshot->excludes(script)->excludes(window);
+    app.add_flag("--stats", options.statistics,
+                 "Print frames, pictures, processor time and latencies, in a window each second");
+    const SizeOption pageSize(app, "--size", "Size of each page in pixels", options.pageSize);
+    const SizeOption windowSize(app, "--window-size", "Size of the window or the picture",
+                                options.windowSize);
     app.add_option("--rate", options.rate, "Turns of the render thread per second")
         ->check(CLI::Range(1.0, 1000.0))
         ->type_name("HZ")
         ->capture_default_str();
-    app.add_option("--timeout", options.timeoutSeconds, "Longest time to wait for the pages")
+    app.add_option("--timeout", options.timeoutSeconds, "Longest time that a step waits")
         ->check(CLI::PositiveNumber)
         ->type_name("SECONDS")
         ->capture_default_str();
     app.add_option("--library", options.library, "The plug-in (default: the one beside this program)")
         ->type_name("FILE.so");
-    app.add_flag("--window", options.window, "Show the pages in a window until it is closed")
-        ->excludes(screenshot);
     app.add_flag("--verbose", options.verbose, "Print the plug-in's information lines too");
     app.set_version_flag("--version", "zarvik-player " ZARVIK_VERSION);
+    app.footer(footer);
 
     try {
         app.parse(argc, argv);
-        options.size = parseSize(size);
+        pageSize.parse();
+        windowSize.parse();
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : usageError;
     }
-    if (!options.window && options.screenshot.empty()) {
+    if (!headless && options.script.empty() && options.screenshot.empty()) {
+        options.window = options.window || hasDisplay();
+    }
+    if (!options.window && options.script.empty() && options.screenshot.empty()) {
         options.screenshot = defaultScreenshot;
+    }
+    if (options.script.empty()) {
+        if (options.pages.empty()) {
+            options.pages = {"welcome"};
+        }
+        if (options.pages.size() == 1) {
+            options.pages.emplace_back("guide");
+        }
     }
     return options;
 }

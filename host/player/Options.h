@@ -11,13 +11,17 @@ namespace zarvik::player {
 
 /// What the command line asks for.
 struct Options {
-    std::vector<std::string> urls{};                // empty: the bundled page
-    host::Size size{.width = 1280, .height = 720};  // of each page
+    std::vector<std::string> pages{};
+    host::Size pageSize{.width = 1280, .height = 720};
+    host::Size windowSize{.width = 1440, .height = 810};
+    std::filesystem::path script{};
     std::filesystem::path screenshot{};
+    std::filesystem::path record{};
     std::filesystem::path library;
     double rate = 60;
     double timeoutSeconds = 30;
     bool window = false;
+    bool statistics = false;
     bool verbose = false;
 };
 

@@ -1,131 +1,181 @@
 #include "Player.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <thread>
 #include <utility>
 
-#include "welcome.h"
-#include "zarvik/host/Png.h"
-#include "zarvik/host/WindowContext.h"
+#include "ScriptRunner.h"
 
 namespace zarvik::player {
 
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 
-// How soon an interruption is noticed.
-constexpr milliseconds patience{100};
+// How long the main loop sleeps when nothing happens.
+constexpr milliseconds roundTime{10};
+constexpr milliseconds sampleTime{200};
+constexpr milliseconds reportTime{1000};
+constexpr milliseconds resizeLimit{1000};
 
 std::atomic<bool> interrupted = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it");
 
-/// Waits in short steps, so that an interruption ends the wait.
-template <typename Step>
-void waitFor(const Step& step, steady_clock::time_point deadline, const std::string& whatFor) {
-    while (!step()) {
-        if (interrupted) {
-            throw Interrupted();
-        }
-        if (steady_clock::now() >= deadline) {
-            throw std::runtime_error("Timed out: " + whatFor + ".");
-        }
+}  // namespace
+
+Player::Player(Options chosen)
+    : options(std::move(chosen)),
+      script(options.script.empty() ? Script() : Script::read(options.script)),
+      printer(options.verbose),
+      reports(Toolbar::target) {
+    nextReport += reportTime;
+    if (!options.record.empty()) {
+        recorder = std::make_unique<SessionRecorder>(options.record);
+    }
+    if (options.window) {
+        window = std::make_unique<host::WindowContext>("Zarvik Orvella", options.windowSize);
+    }
+    engine = std::make_unique<host::Engine>(
+        host::Engine::Options{.library = options.library,
+                              .turnsPerSecond = options.rate,
+                              .context = window.get(),
+                              .observer = [this](const host::Record& record) {
+                                  if (options.verbose || record.target != Toolbar::target) {
+                                      printer.print(record);
+                                  }
+                                  reports.take(record);
+                              }});
+    const auto frames = window               ? Painter::Frames::window
+                        : options.statistics ? Painter::Frames::offscreen
+                                             : Painter::Frames::none;
+    session = std::make_unique<Session>(
+        *engine, reports, statistics, recorder.get(),
+        Session::Settings{.pageSize = options.pageSize,
+                          .window = options.windowSize,
+                          .frames = frames,
+                          .resizeWindow = [this](host::Size size) { resizeWindow(size); }});
+    if (window) {
+        input = std::make_unique<WindowInput>(*session, [this] { return window->clipboardText(); });
     }
 }
 
-}  // namespace
-
-Player::Player(Options options) : options(std::move(options)), printer(this->options.verbose) {}
+Player::~Player() = default;
 
 void Player::interrupt() {
     interrupted = true;
 }
 
-void Player::runHeadless() {
-    const auto deadline = steady_clock::now() + std::chrono::duration_cast<steady_clock::duration>(
-                                                    std::chrono::duration<double>(options.timeoutSeconds));
-    host::Engine engine(engineOptions(nullptr));
-    const Views views = createViews(engine);
-    for (const auto& view : views) {
-        waitUntilLoaded(*view, deadline);
+void Player::run() {
+    try {
+        play();
+        while (window && !window->closed() && options.script.empty()) {
+            takeTurn();
+        }
+    } catch (const Interrupted&) {
+        tellSummary();
+        throw;
     }
-    const auto picture =
-        engine.renderThread().run([&] { return host::Scene(sceneSize()).drawToImage(surfaces(views)); });
-    host::writePng(options.screenshot, picture);
-    std::printf("Wrote %s (%d x %d).\n", options.screenshot.c_str(), picture.width, picture.height);
+    tellSummary();
 }
 
-void Player::runInWindow() {
-    host::WindowContext window("Zarvik Orvella", sceneSize());
-    host::Engine engine(engineOptions(&window));
-    const Views views = createViews(engine);
-    // The drawing owns the scene, so the render thread makes and deletes it.
-    auto scene = engine.renderThread().run([&] { return std::make_shared<host::Scene>(sceneSize()); });
-    engine.setDrawing(
-        [&, scene = std::move(scene)] { scene->drawToWindow(surfaces(views), window.framebufferSize()); });
-    const double eventWait = std::chrono::duration<double>(patience).count();
-    while (window.handleEvents(eventWait) && !interrupted) {
+void Player::play() {
+    const auto idle = [this] {
+        takeTurn();
+        if (window && window->closed()) {
+            throw Interrupted();
+        }
+    };
+    ScriptRunner runner(*session, idle, options.timeoutSeconds);
+    runner.run(scriptOfOptions());
+    runner.waitForToolbar();
+    runner.run(script);
+}
+
+Script Player::scriptOfOptions() const {
+    Script steps;
+    const auto add = [&](Step step) { steps.lines.push_back({.number = 0, .step = std::move(step)}); };
+    for (const auto& page : options.pages) {
+        add(Action(steps::Open{page}));
     }
-    engine.setDrawing(nullptr);
+    if (options.pages.size() > 1) {
+        add(Action(steps::SelectView{1}));
+    }
+    if (!options.screenshot.empty()) {
+        for (std::size_t i = 1; i <= options.pages.size(); ++i) {
+            add(Check(steps::WaitForLoad{.view = static_cast<int>(i)}));
+        }
+        add(Check(steps::Screenshot{options.screenshot}));
+    }
+    return steps;
+}
+
+void Player::takeTurn() {
     if (interrupted) {
         throw Interrupted();
     }
-}
-
-host::Engine::Options Player::engineOptions(host::GLContext* context) const {
-    return {.library = options.library,
-            .turnsPerSecond = options.rate,
-            .context = context,
-            .observer = [this](const host::Record& record) { printer.print(record); }};
-}
-
-Player::Views Player::createViews(host::Engine& engine) const {
-    Views views;
-    const auto add = [&]() -> host::View& {
-        return *views.emplace_back(std::make_unique<host::View>(engine, options.size));
-    };
-    for (const auto& url : options.urls) {
-        add().loadUrl(url);
+    if (window) {
+        handleWindow();
+    } else {
+        std::this_thread::sleep_for(roundTime);
     }
-    if (options.urls.empty()) {
-        add().loadHtml(welcomeHtml);
+    session->update();
+    if (options.statistics) {
+        tellStatistics();
     }
-    return views;
 }
 
-void Player::waitUntilLoaded(const host::View& view, steady_clock::time_point deadline) const {
-    host::LoadResult result;
-    waitFor(
-        [&] {
-            result = view.waitForLoad(patience);
-            return result.outcome != host::LoadResult::Outcome::timedOut;
-        },
-        deadline, "the page has not loaded");
-    if (!result) {
-        throw std::runtime_error(result.reason);
+void Player::handleWindow() {
+    const auto events = window->takeEvents(std::chrono::duration<double>(roundTime).count());
+    const auto size = window->framebufferSize();
+    if (size.width > 0 && size.height > 0 && Statistics::Clock::now() >= windowResizeEnd &&
+        (size.width != session->window().width || size.height != session->window().height)) {
+        session->perform(steps::ResizeWindow{size});
     }
-    waitFor([&] { return view.waitUntilPainted(result.time, patience); }, deadline,
-            "the page has not been painted");
-}
-
-host::Size Player::sceneSize() const {
-    const int count = std::max(1, static_cast<int>(options.urls.size()));
-    return {.width = options.size.width * count, .height = options.size.height};
-}
-
-std::vector<host::Scene::Surface> Player::surfaces(const Views& views) const {
-    std::vector<host::Scene::Surface> result;
-    const auto width = static_cast<float>(options.size.width);
-    float x = 0;
-    for (const auto& view : views) {
-        if (const unsigned texture = view->glTexture()) {
-            result.push_back({texture, x, 0, width, static_cast<float>(options.size.height)});
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        const auto moves = [&](std::size_t at) {
+            return at < events.size() && events[at].kind == host::WindowEvent::Kind::pointerMoved;
+        };
+        if (moves(i) && moves(i + 1)) {
+            continue;  // only where the pointer has got to matters
         }
-        x += width;
+        try {
+            input->handle(events[i]);
+        } catch (const StepError& error) {
+            std::fprintf(stderr, "%s\n", error.what());
+        }
     }
-    return result;
+}
+
+void Player::resizeWindow(host::Size size) {
+    if (!window) {
+        return;
+    }
+    const auto current = window->framebufferSize();
+    if (size.width != current.width || size.height != current.height) {
+        window->resize(size);
+        windowResizeEnd = Statistics::Clock::now() + resizeLimit;
+    }
+}
+
+void Player::tellSummary() {
+    if (options.statistics) {
+        statistics.sample();
+        std::printf("\n%s\n", statistics.summary().c_str());
+    }
+}
+
+void Player::tellStatistics() {
+    const auto now = Statistics::Clock::now();
+    if (now >= nextSample) {
+        statistics.sample();
+        nextSample = now + sampleTime;
+    }
+    if (window && now >= nextReport) {
+        std::printf("%s\n", statistics.lastInterval().c_str());
+        std::fflush(stdout);
+        nextReport = now + reportTime;
+    }
 }
 
 }  // namespace zarvik::player

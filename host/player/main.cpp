@@ -3,10 +3,12 @@
 #include <exception>
 
 #include "Player.h"
+#include "ScriptRunner.h"
 
 namespace {
 
 constexpr int exitFailure = 1;
+constexpr int exitUsage = 2;
 constexpr int exitInterrupted = 130;
 
 void interruptOn(int signal) {
@@ -26,15 +28,15 @@ int main(int argc, char** argv) {
         }
         interruptOn(SIGINT);
         interruptOn(SIGTERM);
-        const auto& chosen = std::get<zarvik::player::Options>(options);
-        zarvik::player::Player player(chosen);
-        if (chosen.window) {
-            player.runInWindow();
-        } else {
-            player.runHeadless();
-        }
+        zarvik::player::Player(std::get<zarvik::player::Options>(options)).run();
     } catch (const zarvik::player::Interrupted&) {
         return exitInterrupted;
+    } catch (const zarvik::player::ScriptError& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return exitUsage;
+    } catch (const zarvik::player::ScriptFailure& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return exitFailure;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "zarvik-player: %s\n", error.what());
         return exitFailure;

@@ -100,7 +100,7 @@ Recorder& Engine::recorder() const {
     return inbox->recorder;
 }
 
-void Engine::setDrawing(std::function<void()> draw) {
+void Engine::setDrawing(std::function<bool()> draw) {
     thread->run([&] { drawing = std::move(draw); });
 }
 
@@ -139,8 +139,7 @@ void Engine::turn() {
         render(view->key());
     }
     glDevice.synchronize();
-    if (drawing) {
-        drawing();
+    if (drawing && drawing()) {
         context.present();
     }
     for (View* view : views) {

@@ -56,9 +56,9 @@ void View::Release::operator()(ID3D11ShaderResourceView* view) const {
     view->Release();
 }
 
-View::View(Engine& engine, Size size, bool alwaysCapturePreview)
+View::View(Engine& engine, Size size, bool alwaysCapturePreview, std::string name)
     : engine(engine),
-      targetName(uniqueName("View")),
+      targetName(name.empty() ? uniqueName("View") : std::move(name)),
       instance(createInstance(engine.plugin(), targetName, size, alwaysCapturePreview)),
       depositKey(engine.plugin().WebView_depositPointer(instance)) {
     engine.attach(*this);

@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "Renderer.h"
 #include "zarvik/host/RenderThread.h"
-#include "zarvik/host/Scene.h"
 #include "zarvik/host/SurfacelessContext.h"
 
 namespace {
@@ -269,7 +269,8 @@ TEST_F(GLDeviceTest, OtherThreadsMayCreateMapAndReleaseWhileTheRenderThreadUploa
     EXPECT_EQ(gl->liveObjects(), (LiveObjects{0, 0}));
 }
 
-TEST_F(GLDeviceTest, TheSceneShowsPixelsInPlaceWithTrueColours) {
+TEST_F(GLDeviceTest, TheRendererShowsPixelsInPlaceWithTrueColours) {
+    using namespace zarvik::player;
     ASSERT_EQ(create(dynamicTexture(31, 17)), S_OK);
     ASSERT_EQ(createView(), S_OK);
     Image image = pattern(31, 17);
@@ -279,18 +280,19 @@ TEST_F(GLDeviceTest, TheSceneShowsPixelsInPlaceWithTrueColours) {
     write(image);
     const Image drawn = renderThread.run([this] {
         gl->synchronize();
-        const zarvik::host::Scene scene({.width = 62, .height = 20});
-        const std::array surfaces{
-            zarvik::host::Scene::Surface{
-                .glTexture = gl->glTexture(*view), .x = 31, .y = 0, .width = 31, .height = 17},
-        };
-        return scene.drawToImage(surfaces);
+        // The toolbar lies pixel for pixel along the upper edge.
+        return Renderer().drawToImage({.stage = std::make_shared<Stage>(std::vector<zarvik::host::Size>{}),
+                                       .camera = {},
+                                       .window = {.width = 31, .height = 40},
+                                       .pages = {},
+                                       .toolbar = {.glTexture = gl->glTexture(*view), .uploads = 1},
+                                       .toolbarHeight = 17});
     });
-    ASSERT_EQ(drawn.width, 62);
-    for (int y = 0; y < 20; ++y) {
-        for (int x = 0; x < 62; ++x) {
-            const bool inside = x >= 31 && y < 17;
-            ASSERT_EQ(drawn.at(x, y), inside ? image.at(x - 31, y) : Image::Pixel{}) << x << ", " << y;
+    ASSERT_EQ(drawn.width, 31);
+    ASSERT_EQ(drawn.height, 40);
+    for (int y = 0; y < 17; ++y) {
+        for (int x = 0; x < 31; ++x) {
+            ASSERT_EQ(drawn.at(x, y), image.at(x, y)) << x << ", " << y;
         }
     }
 }

@@ -110,6 +110,7 @@ TEST_P(CaptureTest, AnEngineThatPausesSeesTheNewestPicture) {
         if (view.uploads() != uploads) {
             seen.push_back(view.readPixels());
         }
+        return false;
     });
     std::promise<void> pausing;
     std::promise<void> pauseEnds;

@@ -44,8 +44,9 @@ class Engine {
     /// Renders once, now, and waits for it. Any thread.
     void takeTurn() { thread->takeTurn(); }
 
-    /// What the render thread draws at the end of each turn, before it presents. Null: nothing. Any thread.
-    void setDrawing(std::function<void()> draw);
+    /// What the render thread draws at the end of each turn. If it returns true, there is something new,
+    /// which is then presented. Null: nothing is drawn. Any thread.
+    void setDrawing(std::function<bool()> draw);
 
   private:
     friend class View;
@@ -67,7 +68,7 @@ class Engine {
     // Render thread only.
     GLContext& context;
     std::vector<View*> views;
-    std::function<void()> drawing;
+    std::function<bool()> drawing;
 
     std::unique_ptr<RenderThread> thread;
 };

@@ -31,14 +31,15 @@ struct LoadResult {
 /// observer.
 class View {
   public:
-    /// Throws std::runtime_error if the plug-in makes no web view.
-    View(Engine& engine, Size size, bool alwaysCapturePreview = false);
+    /// Without a name, which must be unique in this process, it gets one. Throws std::runtime_error if the
+    /// plug-in makes no web view.
+    View(Engine& engine, Size size, bool alwaysCapturePreview = false, std::string name = {});
     ~View();
     View(const View&) = delete;
     View& operator=(const View&) = delete;
 
     UwpWebView* handle() const { return instance; }
-    /// The name, unique in this process, under which the plug-in sends messages of this view.
+    /// The name under which the plug-in sends messages of this view.
     const std::string& target() const { return targetName; }
     /// The key that the render callback gets.
     std::int32_t key() const { return depositKey; }

@@ -2,8 +2,10 @@
 
 #include <atomic>
 #include <string>
+#include <vector>
 
 #include "zarvik/host/GLContext.h"
+#include "zarvik/host/WindowEvent.h"
 
 struct GLFWwindow;
 
@@ -19,8 +21,12 @@ class WindowContext final : public GLContext {
     WindowContext(const WindowContext&) = delete;
     WindowContext& operator=(const WindowContext&) = delete;
 
-    /// Waits for events, at most for this time. False once the user has closed the window. Main thread.
-    bool handleEvents(double timeoutSeconds);
+    /// Waits for events, at most for this time, and returns what the user did since the last call. Main
+    /// thread; so are the three below.
+    std::vector<WindowEvent> takeEvents(double timeoutSeconds);
+    bool closed() const;
+    void resize(Size size);
+    std::string clipboardText() const;
 
     void makeCurrent() override;
     void release() override;
@@ -30,9 +36,17 @@ class WindowContext final : public GLContext {
     Size framebufferSize() const;
 
   private:
+    void listen();
+    void movePointer(double x, double y);
+    /// An event at the place where the pointer is.
+    WindowEvent& add(WindowEvent::Kind kind);
+
     GLFWwindow* window = nullptr;
     std::atomic<int> framebufferWidth = 0;
     std::atomic<int> framebufferHeight = 0;
+    std::vector<WindowEvent> events;  // main thread; so are the two below
+    double pointerX = 0;
+    double pointerY = 0;
 };
 
 }  // namespace zarvik::host

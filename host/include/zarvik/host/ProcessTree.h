@@ -5,7 +5,7 @@
 #include <chrono>
 #include <map>
 
-namespace zarvik::bench {
+namespace zarvik::host {
 
 /// The processor time, user and system, that each live process of a tree has used since it began.
 using ProcessTimes = std::map<pid_t, std::chrono::nanoseconds>;
@@ -17,4 +17,4 @@ ProcessTimes processTreeTimes();
 /// time is then unknown.
 std::chrono::nanoseconds usedBetween(const ProcessTimes& begin, const ProcessTimes& end);
 
-}  // namespace zarvik::bench
+}  // namespace zarvik::host

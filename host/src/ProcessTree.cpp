@@ -1,4 +1,4 @@
-#include "ProcessTree.h"
+#include "zarvik/host/ProcessTree.h"
 
 #include <unistd.h>
 
@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace zarvik::bench {
+namespace zarvik::host {
 
 namespace {
 
@@ -88,4 +88,4 @@ std::chrono::nanoseconds usedBetween(const ProcessTimes& begin, const ProcessTim
     return used;
 }
 
-}  // namespace zarvik::bench
+}  // namespace zarvik::host

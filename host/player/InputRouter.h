@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "Scenery.h"
+#include "Statistics.h"
+#include "Step.h"
+#include "zarvik/host/Plugin.h"
+
+namespace zarvik::player {
+
+/// The way of all input, as in any engine: from a point of the window along a ray to a surface, to a pixel of
+/// its page, and into the plug-in. Keys go to the page that has the focus. Main thread.
+class InputRouter {
+  public:
+    enum class Receiver { nobody, toolbar, page };
+
+    InputRouter(const host::PluginExports& plugin, Statistics& statistics)
+        : plugin(plugin), statistics(statistics) {}
+
+    /// What the mouse meets from now on.
+    void setScenery(Scenery next) { scenery = std::move(next); }
+
+    // Each says who received it.
+    Receiver move(Point windowPoint);
+    Receiver leave();
+    Receiver press(Point windowPoint, Button button, int clickCount);
+    Receiver release(Point windowPoint, Button button, int clickCount);
+    Receiver scroll(Point windowPoint, Point delta);
+    Receiver scrollPage(Point delta);
+    Receiver type(const std::string& text);
+    Receiver key(const std::string& name);
+
+    void focusPage(std::size_t surface);
+    void focusToolbar();
+    bool toolbarHasFocus() const { return focus == Focus::toolbar; }
+    /// The page that was used last.
+    std::size_t currentPage() const { return current; }
+
+  private:
+    enum class Focus { nobody, toolbar, page };
+
+    void setFocus(Focus next, std::size_t surface);
+    void tellFocus(bool focused) const;
+    const Scenery::Page* focusedPage() const;
+    Receiver receiverOf(const Scenery::Target& target) const;
+    void noteInput(const Scenery::Page& page);
+
+    const host::PluginExports& plugin;
+    Statistics& statistics;
+    Scenery scenery;
+    Focus focus = Focus::nobody;
+    std::size_t current = 0;
+    std::optional<Scenery::Target> hovered;
+    std::optional<Scenery::Target> pressed;  // gets all moves until the release
+};
+
+}  // namespace zarvik::player

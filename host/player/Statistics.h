@@ -1,0 +1,60 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "zarvik/host/ProcessTree.h"
+
+namespace zarvik::player {
+
+/// Counts what the player does, for --stats. Any thread, but sample() always the same one.
+class Statistics {
+  public:
+    using Clock = std::chrono::steady_clock;
+
+    /// Counts from now on.
+    Statistics();
+
+    /// Some input was sent to a view, which had this many pictures then.
+    void inputSent(const std::string& view, std::uint64_t pictures);
+    /// A frame was drawn with these numbers of pictures of the views in it. Render thread.
+    void frameDrawn(const std::map<std::string, std::uint64_t>& pictures);
+
+    /// Reads the processor times of this process and the browser's. Times of processes that end between two
+    /// calls are lost, so it is called often.
+    void sample();
+
+    /// What happened since the last call, in one line.
+    std::string lastInterval();
+    std::string summary() const;
+
+  private:
+    struct Input {
+        std::string view;
+        std::uint64_t pictures = 0;
+        Clock::time_point time;
+    };
+    struct Totals {
+        Clock::time_point time = Clock::now();
+        std::uint64_t frames = 0;
+        std::map<std::string, std::uint64_t> pictures{};
+        std::chrono::nanoseconds processorTime{};
+    };
+
+    mutable std::mutex mutex;
+    std::deque<Input> waiting;
+    std::uint64_t unanswered = 0;
+    std::vector<double> latencies;  // milliseconds
+    Totals totals;
+    host::ProcessTimes processes;  // the last known time of each process that was ever seen
+
+    const Clock::time_point start = Clock::now();
+    Totals previous;
+};
+
+}  // namespace zarvik::player
