@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "../src/glib_ptr.h"
 #include "media_part.h"
 
 namespace {
@@ -18,12 +19,9 @@ constexpr char const* scheme = "ms-local-stream";
 constexpr std::string_view local_start = "ms-local-stream://";
 constexpr std::chrono::seconds patience{30};
 
-struct release_bytes {
-    void operator()(GBytes* bytes) const { g_bytes_unref(bytes); }
-};
-struct release_object {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
+using runtime::glib_text;
+using runtime::gobject_ptr;
+using bytes_ptr = std::unique_ptr<GBytes, runtime::release_with<g_bytes_unref>>;
 
 /// The page whose media elements this process plays.
 GWeakRef local_page;
@@ -33,7 +31,7 @@ GWeakRef local_page;
 class part_request {
   public:
     struct answer {
-        std::unique_ptr<GBytes, release_bytes> bytes;  // null: there is none
+        bytes_ptr bytes;  // null: there is none
         guint64 total = 0;
     };
 
@@ -72,21 +70,22 @@ class part_request {
     using reference = std::shared_ptr<part_request>;
 
     static void ask(std::unique_ptr<reference> request) {
-        std::unique_ptr<void, release_object> const page(g_weak_ref_get(&local_page));
+        auto const page =
+            gobject_ptr<WebKitWebPage>::adopt(static_cast<WebKitWebPage*>(g_weak_ref_get(&local_page)));
         if (!page) {
             (*request)->finish({});
             return;
         }
         auto* const parameters =
             g_variant_new(media_part_request, (*request)->uri.c_str(), (*request)->begin);
-        webkit_web_page_send_message_to_view(WEBKIT_WEB_PAGE(page.get()),
+        webkit_web_page_send_message_to_view(page.get(),
                                              webkit_user_message_new(media_part_message, parameters), nullptr,
                                              on_answer, request.release());
     }
 
     static void on_answer(GObject* page, GAsyncResult* result, gpointer data) {
         std::unique_ptr<reference> const request(static_cast<reference*>(data));
-        std::unique_ptr<WebKitUserMessage, release_object> const message(
+        auto const message = gobject_ptr<WebKitUserMessage>::adopt(
             webkit_web_page_send_message_to_view_finish(WEBKIT_WEB_PAGE(page), result, nullptr));
         GVariant* const parameters = message ? webkit_user_message_get_parameters(message.get()) : nullptr;
         answer given;
@@ -129,19 +128,16 @@ reading& reading_of(gpointer element) {
 /// Whether the page's element was given this very address. A playlist from the web may name others, and must
 /// not reach local content.
 bool is_chosen_by_page(GstElement* element) {
-    auto* top = GST_OBJECT(gst_object_ref(element));
-    while (GstObject* const parent = gst_object_get_parent(top)) {
-        gst_object_unref(top);
-        top = parent;
+    auto top = gobject_ptr<GstObject>::share(GST_OBJECT(element));
+    while (auto parent = gobject_ptr<GstObject>::adopt(gst_object_get_parent(top.get()))) {
+        top = std::move(parent);
     }
-    gchar* uri = nullptr;
-    if (g_object_class_find_property(G_OBJECT_GET_CLASS(top), "current-uri")) {
-        g_object_get(top, "current-uri", &uri, nullptr);
+    char* uri = nullptr;
+    if (g_object_class_find_property(G_OBJECT_GET_CLASS(top.get()), "current-uri")) {
+        g_object_get(top.get(), "current-uri", &uri, nullptr);
     }
-    bool const chosen = uri && reading_of(element).uri == uri;
-    g_free(uri);
-    gst_object_unref(top);
-    return chosen;
+    glib_text const chosen(uri);
+    return chosen && reading_of(element).uri == chosen.get();
 }
 
 gboolean start(GstBaseSrc* element) {

@@ -16,6 +16,7 @@
 
 #include <memory>
 
+#include "../src/glib_ptr.h"
 #include "answer.h"
 #include "local_media.h"
 
@@ -58,12 +59,8 @@ class answer_file {
     int descriptor = -1;
 };
 
-struct release_bytes {
-    void operator()(GBytes* bytes) const { g_bytes_unref(bytes); }
-};
-
-std::unique_ptr<GBytes, release_bytes> bytes_of(JSCValue* text) {
-    return std::unique_ptr<GBytes, release_bytes>(jsc_value_to_string_as_bytes(text));
+auto bytes_of(JSCValue* text) {
+    return std::unique_ptr<GBytes, runtime::release_with<g_bytes_unref>>(jsc_value_to_string_as_bytes(text));
 }
 
 JSCValue* evaluate(JSCValue* text, gpointer) {
