@@ -35,6 +35,11 @@ inline constexpr const char* scriptResultMissing =
     "IWebView.LoadProgressChanged to detect when the page has finished loading. For more info, please check "
     "the Unity player logs.";
 
+inline constexpr const char* pageProcessLost =
+    "The process of the page has ended unexpectedly. The page is loaded again.";
+inline constexpr const char* pageProcessLostAgain =
+    "The process of the page has ended unexpectedly, again within a minute. The page isn't loaded again.";
+
 inline constexpr const char* loadFailed = "Page load failed with WebErrorStatus: ";
 inline constexpr const char* localContentRefused = "A page isn't allowed to open the local content ";
 inline constexpr const char* cannotLoadUrl = "Cannot load the URL ";

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -135,6 +137,7 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     void onNavigationCompleted(const controls::WebViewNavigationCompletedEventArgs& arguments);
     void onNewWindowRequested(const controls::WebViewNewWindowRequestedEventArgs& arguments);
     void onPermissionRequested(const controls::WebViewPermissionRequestedEventArgs& arguments);
+    void onSeparateProcessLost(const controls::WebViewSeparateProcessLostEventArgs& arguments);
     template <typename Arguments>
     auto whileAlive(void (UwpWebView::*handler)(const Arguments&));
 
@@ -144,6 +147,8 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     std::atomic<bool> defaultBackgroundEnabled{true};
     std::atomic<bool> focusedInputFieldEventsEnabled{false};
     const std::shared_ptr<PdfLoader> pdfLoader;
+    /// When the page was last loaded again because its process had ended. UI thread.
+    std::optional<std::chrono::steady_clock::time_point> recovery;
     const std::string messageTargetName;
 };
 

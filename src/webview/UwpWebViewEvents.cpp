@@ -9,6 +9,13 @@
 
 using controls::WebViewPermissionType;
 
+namespace {
+
+/// A page whose process ends sooner than this after it was loaded again is given up.
+constexpr std::chrono::minutes recoveryInterval{1};
+
+}  // namespace
+
 /// A delegate that leads to the handler as long as the instance is alive. No failure goes back to the
 /// platform, which would end the process.
 template <typename Arguments>
@@ -34,6 +41,7 @@ void UwpWebView::subscribeToEvents(const controls::WebView& control) {
     control.NavigationCompleted(whileAlive(&UwpWebView::onNavigationCompleted));
     control.NewWindowRequested(whileAlive(&UwpWebView::onNewWindowRequested));
     control.PermissionRequested(whileAlive(&UwpWebView::onPermissionRequested));
+    control.SeparateProcessLost(whileAlive(&UwpWebView::onSeparateProcessLost));
 }
 
 void UwpWebView::onNavigationStarting(const controls::WebViewNavigationStartingEventArgs& arguments) {
@@ -99,4 +107,18 @@ void UwpWebView::onPermissionRequested(const controls::WebViewPermissionRequeste
     } else {
         request.Deny();
     }
+}
+
+void UwpWebView::onSeparateProcessLost(const controls::WebViewSeparateProcessLostEventArgs&) {
+    // Nothing of the page is left, neither its document nor its agent.
+    domContentLoaded = false;
+    agentRunning = false;
+    const auto now = std::chrono::steady_clock::now();
+    if (recovery && now - *recovery < recoveryInterval) {
+        reportLoadFailure(log_texts::pageProcessLostAgain);
+        return;
+    }
+    recovery = now;
+    reportLoadFailure(log_texts::pageProcessLost);
+    webView.Refresh();
 }

@@ -44,6 +44,7 @@ struct web_view_object : ui_element_object {
     event<winrt::Windows::UI::Xaml::Controls::WebViewNavigationCompletedEventArgs> navigation_completed;
     event<winrt::Windows::UI::Xaml::Controls::WebViewNewWindowRequestedEventArgs> new_window_requested;
     event<winrt::Windows::UI::Xaml::Controls::WebViewPermissionRequestedEventArgs> permission_requested;
+    event<winrt::Windows::UI::Xaml::Controls::WebViewSeparateProcessLostEventArgs> separate_process_lost;
 
   private:
     navigation_tracker::events tracker_events();
@@ -58,7 +59,8 @@ struct web_view_object : ui_element_object {
     winrt::Windows::UI::Color background_color = winrt::Windows::UI::Colors::White();
 };
 
-/// Answers what the engine asks of an application: dialogs, choosers, permissions, new windows.
+/// Answers what the engine asks of an application: dialogs, choosers, permissions, new windows, what to do
+/// about a page whose process has ended.
 void answer_engine_requests(web_view_object& owner);
 
 /// Ends a browser widget whose owner is gone.

@@ -98,6 +98,7 @@ WINRT_LINUX_EVENT(DOMContentLoaded, dom_content_loaded, WebViewDOMContentLoadedE
 WINRT_LINUX_EVENT(NavigationCompleted, navigation_completed, WebViewNavigationCompletedEventArgs)
 WINRT_LINUX_EVENT(NewWindowRequested, new_window_requested, WebViewNewWindowRequestedEventArgs)
 WINRT_LINUX_EVENT(PermissionRequested, permission_requested, WebViewPermissionRequestedEventArgs)
+WINRT_LINUX_EVENT(SeparateProcessLost, separate_process_lost, WebViewSeparateProcessLostEventArgs)
 
 #undef WINRT_LINUX_EVENT
 

@@ -62,6 +62,11 @@ gboolean on_permission(WebKitWebView*, WebKitPermissionRequest* engine_request, 
     return TRUE;
 }
 
+void on_terminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer data) {
+    auto& owner = *static_cast<web_view_object*>(data);
+    raise(owner.separate_process_lost, owner, std::make_shared<plain_arguments>());
+}
+
 gboolean on_dialog(WebKitWebView*, WebKitScriptDialog* dialog, gpointer) {
     if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
         webkit_script_dialog_confirm_set_confirmed(dialog, TRUE);  // a page cannot hold the view
@@ -83,6 +88,8 @@ gboolean on_option_menu(WebKitWebView*, WebKitOptionMenu* menu, GdkEvent*, GdkRe
 
 void answer_engine_requests(web_view_object& owner) {
     auto* const view = owner.view();
+    // After those of the scripts and the navigation, which fail first.
+    g_signal_connect(view, "web-process-terminated", G_CALLBACK(on_terminated), &owner);
     g_signal_connect(view, "create", G_CALLBACK(on_create), &owner);
     g_signal_connect(view, "permission-request", G_CALLBACK(on_permission), &owner);
     g_signal_connect(view, "script-dialog", G_CALLBACK(on_dialog), &owner);

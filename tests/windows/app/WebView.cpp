@@ -152,6 +152,7 @@ struct View {
     Events<controls::WebViewNavigationCompletedEventArgs> completed;
     Events<controls::WebViewNewWindowRequestedEventArgs> newWindow;
     Events<controls::WebViewPermissionRequestedEventArgs> permission;
+    Events<controls::WebViewSeparateProcessLostEventArgs> processLost;
 
     Object* const object;
     double width = 0;
@@ -239,6 +240,9 @@ controls::WebView webViewControl() {
             check(name == L"_zarvikBridge", "another object was added to the page");
             view->bridge = object.as<IJavaScriptBridge>();
         });
+
+    using L = Methods<controls::IWebView6>;
+    subscribe<&View::processLost, &L::add_SeparateProcessLost>(navigation.as<controls::IWebView6>(), view);
 
     using F = Methods<xaml::IFrameworkElement>;
     navigation.as<xaml::IFrameworkElement>()

@@ -45,6 +45,11 @@ struct WebViewPermissionRequestedEventArgs : Foundation::IInspectable {
     WebViewPermissionRequest PermissionRequest() const;
 };
 
+/// Says nothing more.
+struct WebViewSeparateProcessLostEventArgs : Foundation::IInspectable {
+    WINRT_LINUX_HANDLE(WebViewSeparateProcessLostEventArgs, IInspectable)
+};
+
 struct WebViewNavigationStartingEventArgs : Foundation::IInspectable {
     WINRT_LINUX_HANDLE(WebViewNavigationStartingEventArgs, IInspectable)
 
@@ -96,6 +101,8 @@ struct WebView : FrameworkElement {
     event_token NavigationCompleted(handler<WebViewNavigationCompletedEventArgs> const& handler) const;
     event_token NewWindowRequested(handler<WebViewNewWindowRequestedEventArgs> const& handler) const;
     event_token PermissionRequested(handler<WebViewPermissionRequestedEventArgs> const& handler) const;
+    /// The page's process has ended by itself. What was under way has failed by then.
+    event_token SeparateProcessLost(handler<WebViewSeparateProcessLostEventArgs> const& handler) const;
 
     WebViewSettings Settings() const;
 

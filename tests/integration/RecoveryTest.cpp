@@ -1,0 +1,101 @@
+// Pages whose process dies, or does nothing but run: the engine hears of it, calls are answered, and views go
+// on.
+
+#include <csignal>
+#include <fstream>
+
+#include "support/EngineTest.h"
+#include "support/TestPages.h"
+#include "zarvik/host/ProcessTree.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+class RecoveryTest : public EngineTest {
+  protected:
+    /// The processes of pages that have begun since the test did.
+    std::vector<pid_t> pageProcesses() const {
+        std::vector<pid_t> found;
+        for (const auto& [process, time] : zarvik::host::processTreeTimes()) {
+            std::string name;
+            std::getline(std::ifstream("/proc/" + std::to_string(process) + "/comm"), name);
+            if (name == "WebKitWebProces" && !before.contains(process)) {
+                found.push_back(process);
+            }
+        }
+        return found;
+    }
+
+    void killPage() {
+        const auto processes = pageProcesses();
+        ASSERT_EQ(processes.size(), 1U);
+        ASSERT_EQ(kill(processes.front(), SIGKILL), 0);
+    }
+
+    bool waitForFinish(std::size_t from) {
+        return view.waitForMessage("HandleLoadFinished", from).has_value();
+    }
+
+    const zarvik::host::ProcessTimes before = zarvik::host::processTreeTimes();
+    View view{engine, {64, 48}};
+};
+
+const std::string noAnswer = "Error: An unexpected error occurred while executing the script";
+
+}  // namespace
+
+TEST_F(RecoveryTest, APageWhoseProcessDiesIsLoadedAgainOnce) {
+    server.page("/page", patternPage);
+    load(view, server.url("/page"));
+    const auto from = recorder().position();
+    plugin().WebView_executeJavaScript(view.handle(), "for (;;);", "1");
+    plugin().WebView_executeJavaScript(view.handle(), "1", "2");
+    killPage();
+    ASSERT_TRUE(waitForFinish(from));
+    const std::string lost = "The process of the page has ended unexpectedly. The page is loaded again.";
+    auto messages = messagesSince(from, view);
+    ASSERT_GT(messages.size(), 2U);
+    EXPECT_TRUE(messages[0].starts_with("HandleJavaScriptResult 1," + noAnswer)) << messages[0];
+    EXPECT_TRUE(messages[1].starts_with("HandleJavaScriptResult 2," + noAnswer)) << messages[1];
+    messages.erase(messages.begin(), messages.begin() + 2);
+    EXPECT_EQ(messages, (std::vector<std::string>{"HandleLoadFailed " + lost, urlChanged(server.url("/page")),
+                                                  "HandleLoadStarted", "HandleLoadProgressUpdate 0.33",
+                                                  "HandleLoadProgressUpdate 0.66", "HandleLoadFinished"}));
+    EXPECT_TRUE(waitForError(lost, from));
+    EXPECT_EQ(view.evaluate("1 + 1"), "2");
+    const auto expected = testPattern(64, 48);
+    EXPECT_TRUE(waitForPixels(view, [&](const Image& image) { return image == expected; }));
+
+    // Not for ever: a page that kills its process each time would keep the machine busy.
+    const auto again = recorder().position();
+    killPage();
+    EXPECT_TRUE(waitForError("again within a minute", again));
+    EXPECT_TRUE(view.evaluate("1").value_or("").starts_with(noAnswer));
+    EXPECT_EQ(
+        messagesSince(again, view).front(),
+        "HandleLoadFailed The process of the page has ended unexpectedly, again within a minute. The page "
+        "isn't loaded again.");
+    load(view, server.url("/page"));
+    EXPECT_EQ(view.evaluate("1 + 1"), "2");
+}
+
+TEST_F(RecoveryTest, APageInAnEndlessLoopHoldsNobodyUp) {
+    server.page("/page", "<title>page</title>");
+    {
+        View looping(engine, {64, 48});
+        load(looping, server.url("/page"));
+        plugin().WebView_executeJavaScript(looping.handle(), "for (;;);", "1");
+        load(view, server.url("/page"));
+        EXPECT_EQ(view.evaluate("document.title"), "page");
+        for (int i = 0; i < 100; ++i) {
+            plugin().WebView_click(looping.handle(), 10, 10);
+            plugin().WebView_resize(looping.handle(), 64 + i, 48);
+            plugin().WebView_executeJavaScript(looping.handle(), "2", "2");
+        }
+        EXPECT_EQ(view.evaluate("document.title"), "page");
+    }
+    // Its process ends with the view.
+    EXPECT_TRUE(waitUntil([this] { return pageProcesses().size() == 1; })) << pageProcesses().size();
+    EXPECT_EQ(view.evaluate("document.title"), "page");
+}
