@@ -40,7 +40,7 @@ std::string quotedIfNeeded(const std::string& text) {
     const bool plain = !text.empty() && text.front() != '"' &&
                        text.find_first_of("\r\n") == std::string::npos && text.find_first_of(" \t") != 0 &&
                        text.find_last_of(" \t") != text.size() - 1;
-    return plain ? text : nlohmann::json(text).dump();
+    return plain ? text : nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 const char* prefixOf(Button button) {

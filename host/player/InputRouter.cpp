@@ -1,6 +1,7 @@
 #include "InputRouter.h"
 
 #include <cmath>
+#include <utility>
 
 namespace zarvik::player {
 
@@ -20,11 +21,13 @@ std::size_t lengthOf(char first) {
 
 InputRouter::Receiver InputRouter::move(Point windowPoint) {
     auto target = scenery.under(windowPoint);
-    if (pressed) {
-        if (!target || !(target->page == pressed->page)) {
+    for (auto& held : pressed) {
+        if (held && !(target && target->page == held->page)) {
             return Receiver::nobody;
         }
-        pressed = target;
+    }
+    for (auto& held : pressed) {
+        held = held ? target : held;
     }
     if (hovered && !(target && target->page == hovered->page)) {
         leave();
@@ -55,18 +58,22 @@ InputRouter::Receiver InputRouter::press(Point windowPoint, Button button, int c
     setFocus(target->surface ? Focus::page : Focus::toolbar, target->surface.value_or(current));
     plugin.WebView_pointerDown(target->page.view->handle(), target->x, target->y,
                                static_cast<std::int32_t>(button), clickCount);
-    pressed = target;
+    held(button) = target;
     return receiverOf(*target);
 }
 
+std::optional<Scenery::Target>& InputRouter::held(Button button) {
+    return pressed.at(static_cast<std::size_t>(button));
+}
+
 InputRouter::Receiver InputRouter::release(Point windowPoint, Button button, int clickCount) {
-    if (!pressed) {
+    const auto begin = std::exchange(held(button), std::nullopt);
+    if (!begin) {
         return Receiver::nobody;
     }
     // Outside of the page, the button is released where the pointer left it.
     const auto under = scenery.under(windowPoint);
-    const auto target = under && under->page == pressed->page ? *under : *pressed;
-    pressed.reset();
+    const auto target = under && under->page == begin->page ? *under : *begin;
     noteInput(target.page);
     plugin.WebView_pointerUp(target.page.view->handle(), target.x, target.y,
                              static_cast<std::int32_t>(button), clickCount);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -47,6 +48,7 @@ class InputRouter {
     const Scenery::Page* focusedPage() const;
     Receiver receiverOf(const Scenery::Target& target) const;
     void noteInput(const Scenery::Page& page);
+    std::optional<Scenery::Target>& held(Button button);
 
     const host::PluginExports& plugin;
     Statistics& statistics;
@@ -54,7 +56,8 @@ class InputRouter {
     Focus focus = Focus::nobody;
     std::size_t current = 0;
     std::optional<Scenery::Target> hovered;
-    std::optional<Scenery::Target> pressed;  // gets all moves until the release
+    std::array<std::optional<Scenery::Target>, 3>
+        pressed;  // for each button, what gets all moves until the release
 };
 
 }  // namespace zarvik::player

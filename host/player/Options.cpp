@@ -39,6 +39,17 @@ A PLACE is X Y in the window, page X Y in the page, or a CSS selector in the pag
 
 Exit codes: 0 done, 1 something failed, 2 wrong usage or a script that cannot be read.)";
 
+/// CLI11's own check lets through what is no number.
+auto within(double least, double most) {
+    return [least, most](const std::string& text) {
+        double value = 0;
+        const bool valid = CLI::detail::lexical_cast(text, value) && value >= least && value <= most;
+        return valid ? std::string()
+                     : "Value " + text + " not in " + CLI::detail::to_string(least) + " to " +
+                           CLI::detail::to_string(most);
+    };
+}
+
 std::optional<int> parseDimension(std::string_view text) {
     int value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -117,11 +128,11 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
     const SizeOption windowSize(app, "--window-size", "Size of the window or the picture",
                                 options.windowSize);
     app.add_option("--rate", options.rate, "Turns of the render thread per second")
-        ->check(CLI::Range(1.0, 1000.0))
+        ->check(within(1, 1000))
         ->type_name("HZ")
         ->capture_default_str();
     app.add_option("--timeout", options.timeoutSeconds, "Longest time that a step waits")
-        ->check(CLI::PositiveNumber)
+        ->check(within(0.001, 1e6))
         ->type_name("SECONDS")
         ->capture_default_str();
     app.add_option("--library", options.library, "The plug-in (default: the one beside this program)")

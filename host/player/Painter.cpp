@@ -55,10 +55,16 @@ bool Painter::draw() {
     if (!frame || (!stale.exchange(false) && frame == drawn)) {
         return false;
     }
-    if (frames == Frames::window) {
-        renderer->drawToWindow(*frame);
-    } else {
-        renderer->drawOffscreen(*frame);
+    try {
+        if (frames == Frames::window) {
+            renderer->drawToWindow(*frame);
+        } else {
+            renderer->drawOffscreen(*frame);
+        }
+    } catch (const std::runtime_error&) {
+        const std::scoped_lock lock(mutex);
+        failure = std::current_exception();
+        return false;
     }
     std::map<std::string, std::uint64_t> pictures;
     std::unique_lock lock(mutex);
@@ -70,6 +76,13 @@ bool Painter::draw() {
     statistics.frameDrawn(pictures);
     drawn = std::move(frame);
     return true;
+}
+
+void Painter::throwFailure() {
+    const std::scoped_lock lock(mutex);
+    if (const auto thrown = std::exchange(failure, nullptr)) {
+        std::rethrow_exception(thrown);
+    }
 }
 
 host::Image Painter::picture() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -34,6 +35,9 @@ class Painter {
     /// The picture of now. Any thread but the render thread.
     host::Image picture();
 
+    /// Throws what a frame has failed with since the last call, if one has. Any thread but the render thread.
+    void throwFailure();
+
   private:
     // Render thread.
     bool draw();
@@ -44,8 +48,9 @@ class Painter {
     const Frames frames;
 
     std::atomic<bool> stale = false;
-    std::mutex mutex;  // guards the one below
+    std::mutex mutex;  // guards the two below
     std::optional<Scenery> scenery;
+    std::exception_ptr failure;
 
     // Render thread only.
     std::unique_ptr<Renderer> renderer;

@@ -58,14 +58,14 @@ void ScriptRunner::waitUntil(const std::function<bool()>& satisfied,
 
 void ScriptRunner::check(const steps::Screenshot& step) {
     check(steps::WaitForPaint{});
-    const auto picture = session.picture();
     try {
+        const auto picture = session.picture();
         host::writePng(step.file, picture);
+        std::printf("Wrote %s (%d x %d).\n", step.file.c_str(), picture.width, picture.height);
+        std::fflush(stdout);
     } catch (const std::runtime_error& error) {
         throw StepError(error.what());
     }
-    std::printf("Wrote %s (%d x %d).\n", step.file.c_str(), picture.width, picture.height);
-    std::fflush(stdout);
 }
 
 void ScriptRunner::check(const steps::Print& step) {

@@ -42,11 +42,13 @@ Session::Session(host::Engine& engine, PageReports& reports, Statistics& statist
 Session::~Session() = default;
 
 void Session::perform(const Action& action) {
+    noteEndsOfLoads();  // what ended before the action is recorded before it
     lastAction = steady_clock::now();
     std::visit([this](const auto& step) { run(step); }, action);
 }
 
 void Session::update() {
+    painter.throwFailure();
     for (const auto& message : reports.takeToolbarMessages()) {
         if (const auto action = toolbar.actionFor(message)) {
             try {

@@ -108,7 +108,9 @@ void WindowInput::turnWheel(const WindowEvent& event) {
         zoom(std::pow(zoomPerNotch, event.wheelY));
         return;
     }
-    session.perform(steps::Scroll{.delta = {event.wheelX * pixelsPerNotch, event.wheelY * pixelsPerNotch},
+    session.perform(steps::Scroll{// Scripts have whole pixels, and no negative zero.
+                                  .delta = {std::round(event.wheelX * pixelsPerNotch) + 0.0,
+                                            std::round(event.wheelY * pixelsPerNotch) + 0.0},
                                   .hasPlace = true,
                                   .place = placeOf(event)});
 }

@@ -22,6 +22,22 @@ struct Engine::Inbox {
     std::function<void(const Record&)> textureChanged;  // render thread
     Recorder recorder;
 
+    /// Counts itself as under way.
+    class Delivery {
+      public:
+        explicit Delivery(Inbox& inbox) : inbox(inbox) { ++inbox.underWay; }
+        Delivery(const Delivery&) = delete;
+        Delivery& operator=(const Delivery&) = delete;
+        ~Delivery() {
+            --inbox.underWay;
+            inbox.underWay.notify_all();
+        }
+
+      private:
+        Inbox& inbox;
+    };
+    std::atomic<int> underWay = 0;
+
     static inline std::mutex currentMutex;
     static inline std::shared_ptr<Inbox> current;
 
@@ -31,10 +47,11 @@ struct Engine::Inbox {
 void Engine::Inbox::receive(Record record) {
     std::unique_lock lock(currentMutex);
     const auto inbox = current;
-    lock.unlock();
     if (!inbox) {
         return;
     }
+    const Delivery delivery(*inbox);
+    lock.unlock();
     record.time = std::chrono::steady_clock::now();
     record.thread = std::this_thread::get_id();
     std::array<char, 16> name{};
@@ -92,8 +109,14 @@ Engine::~Engine() {
         glDevice.synchronize();
     });
     thread.reset();
-    const std::scoped_lock lock(Inbox::currentMutex);
-    Inbox::current = nullptr;
+    {
+        const std::scoped_lock lock(Inbox::currentMutex);
+        Inbox::current = nullptr;
+    }
+    // What observes may be gone right after.
+    for (int underWay = inbox->underWay; underWay != 0; underWay = inbox->underWay) {
+        inbox->underWay.wait(underWay);
+    }
 }
 
 Recorder& Engine::recorder() const {

@@ -2,6 +2,7 @@
 
 #include <gst/base/gstpushsrc.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <memory>
@@ -110,8 +111,8 @@ class part_request {
 struct reading {
     std::string uri;
     guint64 position = 0;
-    guint64 total = GST_CLOCK_TIME_NONE;  // unknown
-    std::mutex lock;                      // for the rest
+    std::atomic<guint64> total = GST_CLOCK_TIME_NONE;  // unknown
+    std::mutex lock;                                   // for the rest
     bool is_stopping = false;
     std::shared_ptr<part_request> request;
 };
@@ -141,7 +142,11 @@ bool is_chosen_by_page(GstElement* element) {
 }
 
 gboolean start(GstBaseSrc* element) {
-    return is_chosen_by_page(GST_ELEMENT(element)) ? TRUE : FALSE;
+    if (!is_chosen_by_page(GST_ELEMENT(element))) {
+        GST_ELEMENT_ERROR(element, RESOURCE, NOT_FOUND, (nullptr), ("the page has not asked for it"));
+        return FALSE;
+    }
+    return TRUE;
 }
 
 GstFlowReturn create(GstPushSrc* element, GstBuffer** buffer) {
@@ -167,7 +172,9 @@ GstFlowReturn create(GstPushSrc* element, GstBuffer** buffer) {
         return GST_FLOW_ERROR;
     }
     own.total = total;
+    GST_OBJECT_LOCK(element);
     GST_BASE_SRC(element)->segment.duration = static_cast<gint64>(total);  // what demuxers ask for
+    GST_OBJECT_UNLOCK(element);
     auto const size = g_bytes_get_size(bytes.get());
     if (size == 0) {
         return GST_FLOW_EOS;
@@ -296,7 +303,8 @@ void allow_local_media() {
 }
 
 void offer_local_media(WebKitWebPage* page) {
-    if (!std::string_view(webkit_web_page_get_uri(page)).starts_with(local_start)) {
+    char const* const uri = webkit_web_page_get_uri(page);
+    if (!uri || !std::string_view(uri).starts_with(local_start)) {
         return;
     }
     g_weak_ref_set(&local_page, page);

@@ -25,6 +25,7 @@ using resolvers = std::map<std::string, IUriToStreamResolver>;
 constexpr char const* scheme = "ms-local-stream";
 constexpr std::string_view uri_start = "ms-local-stream://";
 constexpr char const* resolvers_key = "runtime-resolvers";
+constexpr char const* shown_host_key = "runtime-shown-host";
 
 /// The host of a local address; empty for any other.
 std::string host_of(char const* uri) {
@@ -80,6 +81,13 @@ void on_request(WebKitURISchemeRequest* request, gpointer) {
     answer_or_refuse(make_ui_object<scheme_request>(request), resolver);
 }
 
+void on_load_changed(WebKitWebView* view, WebKitLoadEvent event, gpointer) {
+    if (event == WEBKIT_LOAD_COMMITTED) {
+        auto const host = host_of(webkit_web_view_get_uri(view));
+        g_object_set_data_full(G_OBJECT(view), shown_host_key, g_strdup(host.c_str()), g_free);
+    }
+}
+
 /// A message of the page process, which nobody has to trust.
 gboolean on_user_message(WebKitWebView* view, WebKitUserMessage* message, gpointer) {
     auto* const parameters = webkit_user_message_get_parameters(message);
@@ -90,7 +98,12 @@ gboolean on_user_message(WebKitWebView* view, WebKitUserMessage* message, gpoint
     char const* uri = nullptr;
     guint64 begin = 0;
     g_variant_get(parameters, "(&st)", &uri, &begin);
-    answer_or_refuse(make_ui_object<media_request>(message, uri, begin), resolver_for(view, host_of(uri)));
+    // Only a page that is there plays media. From the one before, while a local page begins to load, it is no
+    // request.
+    auto const* const shown = static_cast<char const*>(g_object_get_data(G_OBJECT(view), shown_host_key));
+    auto const host = host_of(uri);
+    answer_or_refuse(make_ui_object<media_request>(message, uri, begin),
+                     shown && host == shown ? resolver_for(view, host) : nullptr);
     return TRUE;
 }
 
@@ -133,6 +146,7 @@ void serve_local_content(WebKitWebView* view, std::string const& host, IUriToStr
         g_object_set_data_full(G_OBJECT(view), resolvers_key, known,
                                [](gpointer data) { delete static_cast<resolvers*>(data); });
         g_signal_connect(view, "user-message-received", G_CALLBACK(on_user_message), nullptr);
+        g_signal_connect(view, "load-changed", G_CALLBACK(on_load_changed), nullptr);
     }
     known->insert_or_assign(host, resolver);
 }

@@ -33,8 +33,12 @@ std::optional<WebViewPermissionType> permission_type(WebKitPermissionRequest* re
     if (WEBKIT_IS_GEOLOCATION_PERMISSION_REQUEST(request)) {
         return WebViewPermissionType::Geolocation;
     }
-    if (WEBKIT_IS_USER_MEDIA_PERMISSION_REQUEST(request) ||
-        WEBKIT_IS_DEVICE_INFO_PERMISSION_REQUEST(request)) {
+    bool const is_user_media = WEBKIT_IS_USER_MEDIA_PERMISSION_REQUEST(request);
+    if (is_user_media &&
+        webkit_user_media_permission_is_for_display_device(WEBKIT_USER_MEDIA_PERMISSION_REQUEST(request))) {
+        return std::nullopt;  // the screen, which the platform has no name for
+    }
+    if (is_user_media || WEBKIT_IS_DEVICE_INFO_PERMISSION_REQUEST(request)) {
         return WebViewPermissionType::Media;
     }
     if (WEBKIT_IS_POINTER_LOCK_PERMISSION_REQUEST(request)) {
