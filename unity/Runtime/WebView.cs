@@ -70,7 +70,7 @@ namespace Zarvik.Orvella
             get => resolution;
             set
             {
-                if (browser != null && !isDestroyed)
+                if (browser != null && !browser.IsDisposed)
                 {
                     browser.Resize(value.x, value.y);
                 }
@@ -113,7 +113,7 @@ namespace Zarvik.Orvella
 
         private void OnEnable()
         {
-            if (browser != null)
+            if (browser != null && !browser.IsDisposed)
             {
                 browser.SetRenderingEnabled(true);
             }
@@ -163,7 +163,6 @@ namespace Zarvik.Orvella
                 // Unity never tells such an object that it is destroyed, so nobody would end the web view.
                 throw new InvalidOperationException("Activate the object of a web view before it is used.");
             }
-            WebViewRunner.EnsureRunning();
             browser = Browser.CreateOffscreen(resolution.x, resolution.y, alwaysCapturePreview);
             renderFunction = Browser.RenderFunction;
             surface = new WebViewSurface(browser, GetComponent<RawImage>(), GetComponent<Renderer>());

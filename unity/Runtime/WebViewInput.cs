@@ -157,15 +157,28 @@ namespace Zarvik.Orvella
         private static bool TryLocateOnRectangle(RectTransform rectangle, PointerEventData eventData, out Vector2 point)
         {
             point = default;
-            Camera camera = eventData.pressEventCamera != null ? eventData.pressEventCamera : eventData.enterEventCamera;
             if (!RectTransformUtility.ScreenPointToLocalPointInRectangle(
-                    rectangle, eventData.position, camera, out Vector2 local))
+                    rectangle, eventData.position, CameraOf(rectangle, eventData), out Vector2 local))
             {
                 return false;
             }
             Rect area = rectangle.rect;
             point = new Vector2((local.x - area.x) / area.width, (local.y - area.y) / area.height);
             return true;
+        }
+
+        /// <summary>
+        /// That of the canvas, since the event's may be another raycaster's. A canvas on top of the screen has none.
+        /// </summary>
+        private static Camera CameraOf(RectTransform rectangle, PointerEventData eventData)
+        {
+            Canvas canvas = rectangle.GetComponentInParent<Canvas>();
+            if (canvas == null || canvas.rootCanvas.renderMode == RenderMode.ScreenSpaceOverlay)
+            {
+                return null;
+            }
+            Camera own = canvas.rootCanvas.worldCamera;
+            return own != null ? own : eventData.enterEventCamera;
         }
 
         private bool TryLocateOnMesh(PointerEventData eventData, out Vector2 point)

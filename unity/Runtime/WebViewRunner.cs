@@ -15,15 +15,14 @@ namespace Zarvik.Orvella
     {
         private static WebViewRunner instance;
 
-        /// <summary>Starts the host, and the frames that it needs.</summary>
+        /// <summary>Makes the object whose frames the host needs.</summary>
         /// <exception cref="InvalidOperationException">The editor is not in play mode.</exception>
-        internal static void EnsureRunning()
+        private static void Run()
         {
             if (!Application.isPlaying)
             {
                 throw new InvalidOperationException("Web views run in play mode only.");
             }
-            WebViewHost.Start();
             if (instance == null)
             {
                 var runner = new GameObject("Zarvik Orvella") { hideFlags = HideFlags.HideInHierarchy };
@@ -52,9 +51,17 @@ namespace Zarvik.Orvella
         }
 
         /// <summary>
-        /// Where the editor enters play mode without loading the scripts anew, statics keep what the last time left.
+        /// Before the first scene. Where the editor enters play mode without loading the scripts anew, statics keep what
+        /// the last time left.
         /// </summary>
         [RuntimeInitializeOnLoadMethod(RuntimeInitializeLoadType.SubsystemRegistration)]
+        internal static void Prepare()
+        {
+            End();
+            WebViewHost.Starting -= Run;
+            WebViewHost.Starting += Run;
+        }
+
         internal static void End()
         {
             WebViewHost.Logged -= Log;

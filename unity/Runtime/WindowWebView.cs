@@ -43,7 +43,10 @@ namespace Zarvik.Orvella
 
         private void OnEnable()
         {
-            browser?.SetVisible(true);
+            if (browser != null && !browser.IsDisposed)
+            {
+                browser.SetVisible(true);
+            }
         }
 
         private void OnDisable()
@@ -88,7 +91,6 @@ namespace Zarvik.Orvella
             {
                 throw new InvalidOperationException("Activate the object of a web view before it is used.");
             }
-            WebViewRunner.EnsureRunning();
             placement = Place();
             browser = Browser.CreateInWindow(placement.X, placement.Y, placement.Width, placement.Height);
             if (!string.IsNullOrEmpty(initialUrl))

@@ -137,8 +137,11 @@ namespace Zarvik.Orvella.LibraryTests
             var changes = new List<string>();
             browser.UrlChanged += change => changes.Add(change.Kind + " " + change.Url);
             Engine.Await(browser.LoadUrl(server.Url("page")));
+            // The page's own report comes before its answers; without one it could come after the next load's start.
+            Engine.Await(browser.ExecuteJavaScript("1"));
             Assert.IsFalse(Engine.Await(browser.CanGoBack()));
             Engine.Await(browser.LoadUrl(server.Url("other")));
+            Engine.Await(browser.ExecuteJavaScript("1"));
             browser.PostJavaScript("history.pushState(null, '', '/pushed')");
             Engine.WaitUntil(() => browser.Url == server.Url("pushed"), "no pushed URL");
             Assert.IsTrue(Engine.Await(browser.CanGoBack()));

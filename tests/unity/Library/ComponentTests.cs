@@ -193,6 +193,28 @@ namespace Zarvik.Orvella.LibraryTests
         }
 
         [Test]
+        public void ThePointerIsFoundWithTheCameraOfTheCanvas()
+        {
+            using var scene = new Scene();
+            GameObject holder = scene.Add("image");
+            Canvas canvas = holder.AddComponent<Canvas>();
+            WebView view = holder.AddComponent<WebView>();
+            var input = holder.AddComponent<WebViewInput>();
+            scene.Await(view.LoadHtml(Green));
+            Camera others = scene.Add("camera").AddComponent<Camera>();
+            var move = new PointerEventData { enterEventCamera = others };
+
+            ((IPointerMoveHandler)input).OnPointerMove(move);
+            Assert.AreEqual(null, RectTransformUtility.UsedCamera);
+            canvas.renderMode = RenderMode.ScreenSpaceCamera;
+            ((IPointerMoveHandler)input).OnPointerMove(move);
+            Assert.AreEqual(others, RectTransformUtility.UsedCamera);
+            canvas.worldCamera = scene.Add("own").AddComponent<Camera>();
+            ((IPointerMoveHandler)input).OnPointerMove(move);
+            Assert.AreEqual(canvas.worldCamera, RectTransformUtility.UsedCamera);
+        }
+
+        [Test]
         public void AWindowViewFollowsItsRectangle()
         {
             using var scene = new Scene();

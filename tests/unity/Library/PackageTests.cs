@@ -45,16 +45,15 @@ namespace Zarvik.Orvella.LibraryTests
         [TestCase("WSA/x64/ZarvikOrvella.dll", "WindowsStoreApps", "X64")]
         [TestCase("WSA/ARM64/ZarvikWebViewRuntimeComponent.winmd", "WindowsStoreApps", "ARM64")]
         [TestCase("WSA/x64/ZarvikWebViewRuntimeComponent.dll", "WindowsStoreApps", "X64")]
-        [TestCase("Linux/x86_64/libZarvikOrvella.so", "Linux64", "x86_64")]
+        [TestCase("Linux/x86_64/libZarvikOrvella.so", "Editor", "x86_64")]
         public void LibrariesGoToTheirPlatformOnly(string library, string platform, string processor)
         {
             string meta = File.ReadAllText(Path.Combine(Package, "Plugins", library + ".meta"));
-            bool isLinux = platform == "Linux64";
             foreach (Match entry in Regex.Matches(
                 meta, @"first:\s+(?<group>[^:]*): (?<name>\w*)\s+second:\s+enabled: (?<enabled>[01])\s+settings:(?<settings>(\s+\w+.*:.*)*?)\s*(?=-|userData)"))
             {
                 string name = entry.Groups["name"].Value;
-                bool expected = name == platform || (isLinux && name == "Editor");
+                bool expected = name == platform;
                 Assert.AreEqual(expected ? "1" : "0", entry.Groups["enabled"].Value, library + " for " + name);
                 if (expected)
                 {

@@ -16,7 +16,7 @@ namespace Zarvik.Orvella.LibraryTests
         {
             System.Runtime.CompilerServices.RuntimeHelpers.RunClassConstructor(
                 typeof(Zarvik.Orvella.Editor.EditorLifetime).TypeHandle);
-            WebViewRunner.End();
+            WebViewRunner.Prepare();
             Debug.Lines.Clear();
         }
 

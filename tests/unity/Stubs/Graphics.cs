@@ -150,11 +150,16 @@ namespace UnityEngine
     public enum RenderMode
     {
         ScreenSpaceOverlay = 0,
+        ScreenSpaceCamera = 1,
     }
 
     public sealed class Canvas : Component
     {
         public RenderMode renderMode { get; set; }
+
+        public Camera worldCamera { get; set; }
+
+        public Canvas rootCanvas => this;
     }
 
     public enum PrimitiveType
@@ -164,10 +169,13 @@ namespace UnityEngine
 
     public static class RectTransformUtility
     {
+        public static Camera UsedCamera { get; private set; }
+
         public static bool ScreenPointToLocalPointInRectangle(
             RectTransform rect, Vector2 screenPoint, Camera cam, out Vector2 localPoint)
         {
             localPoint = screenPoint;
+            UsedCamera = cam;
             return true;
         }
     }

@@ -67,6 +67,8 @@ namespace UnityEngine
 
         public T GetComponent<T>() where T : class => gameObject.GetComponent<T>();
 
+        public T GetComponentInParent<T>() where T : class => gameObject.GetComponent<T>();
+
         public bool TryGetComponent<T>(out T component) where T : class
         {
             component = GetComponent<T>();
@@ -93,6 +95,8 @@ namespace UnityEngine
     public class Transform : Component
     {
         public Vector3 localScale { get; set; }
+
+        public Vector3 position { get; set; }
 
         public void SetParent(Transform parent, bool worldPositionStays)
         {

@@ -84,7 +84,10 @@ namespace Zarvik.Orvella
             }
         }
 
-        /// <summary>The document's URL; empty before the first page.</summary>
+        /// <summary>
+        /// The document's URL, as the page itself reports it: a hostile page can report another. Empty before the first
+        /// page.
+        /// </summary>
         public string Url { get; private set; } = string.Empty;
 
         /// <summary>The document's title; empty before the first one.</summary>

@@ -17,6 +17,11 @@ namespace Zarvik.Orvella
 
     public sealed partial class Browser
     {
+        private static readonly string[] KeyNames =
+        {
+            "Enter", "Backspace", "ArrowLeft", "ArrowRight", "ArrowUp", "ArrowDown",
+        };
+
         /// <summary>Presses and releases the left button.</summary>
         public void Click(int x, int y)
         {
@@ -71,11 +76,17 @@ namespace Zarvik.Orvella
 
         /// <summary>
         /// Types one character, or one of the keys "Enter", "Backspace", "ArrowLeft", "ArrowRight", "ArrowUp" and
-        /// "ArrowDown". Other texts are ignored: see <see cref="KeyboardInput"/>.
+        /// "ArrowDown". For texts see <see cref="KeyboardInput"/>.
         /// </summary>
+        /// <exception cref="ArgumentException">It is neither.</exception>
         public void SendKey(string key)
         {
             IntPtr handle = Handle();
+            if (key != null && !IsCharacter(key) && Array.IndexOf(KeyNames, key) < 0)
+            {
+                // The library would run it in the page.
+                throw new ArgumentException("A key is one character, or a name of one of six keys.", nameof(key));
+            }
             using (var text = new NativeText(key, nameof(key)))
             {
                 NativeMethods.WebView_sendKey(handle, text.Bytes);
@@ -86,6 +97,11 @@ namespace Zarvik.Orvella
         public void SetFocused(bool isFocused)
         {
             NativeMethods.WebView_setFocused(Handle(), NativeBoolean.From(isFocused));
+        }
+
+        private static bool IsCharacter(string key)
+        {
+            return key.Length == 1 || (key.Length == 2 && char.IsSurrogatePair(key[0], key[1]));
         }
     }
 }

@@ -42,8 +42,8 @@ namespace Zarvik.Orvella
         }
 
         /// <summary>
-        /// Afterwards no native thread is inside this assembly, which may then be unloaded. Logging goes first:
-        /// without it, a message that finds no receiver is dropped silently.
+        /// Before this assembly is unloaded: waits up to a second until no native thread is inside it. Logging goes
+        /// first: without it, a message that finds no receiver is dropped silently.
         /// </summary>
         internal static void Unregister()
         {

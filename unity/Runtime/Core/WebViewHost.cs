@@ -39,6 +39,9 @@ namespace Zarvik.Orvella
         /// </summary>
         public static event Action<Exception> HandlerFailed;
 
+        /// <summary>What pumps and ends the host, told before each start. It throws where nothing can.</summary>
+        internal static event Action Starting;
+
         /// <summary>Whether browsers can be made: between <see cref="Start"/> and <see cref="Shutdown"/>.</summary>
         public static bool IsStarted => targetPrefix != null;
 
@@ -62,6 +65,7 @@ namespace Zarvik.Orvella
                 VerifyThread();
                 return;
             }
+            Starting?.Invoke();
             try
             {
                 NativeCallbacks.Register();
@@ -71,7 +75,7 @@ namespace Zarvik.Orvella
             {
                 throw new PlatformNotSupportedException(
                     "The native library ZarvikOrvella cannot be loaded here. Web views work in players of the " +
-                    "Universal Windows Platform (ARM64 and x64) and on Linux (x86-64).",
+                    "Universal Windows Platform (ARM64 and x64) and in the Linux editor (x86-64).",
                     exception);
             }
             mainThreadId = Environment.CurrentManagedThreadId;
@@ -111,8 +115,8 @@ namespace Zarvik.Orvella
         }
 
         /// <summary>
-        /// Disposes all browsers, gives all textures back and unregisters from the native library: afterwards no native
-        /// thread calls into this assembly. Nothing may draw a browser's texture any more. Main thread; does nothing
+        /// Disposes all browsers, gives all textures back, unregisters from the native library, and waits up to a second
+        /// for calls of its threads that are under way. Nothing may draw a browser's texture any more. Main thread; does nothing
         /// when not started. <see cref="Start"/> may follow.
         /// </summary>
         public static void Shutdown()

@@ -59,6 +59,7 @@ namespace Zarvik.Orvella.Samples
         {
             GameObject quad = GameObject.CreatePrimitive(PrimitiveType.Quad);
             quad.transform.localScale = new Vector3(3.2F, 1.8F, 1);
+            quad.transform.position = new Vector3(6, 0, 0); // beside the canvas's image
             quad.GetComponent<Renderer>().material = new Material(Shader.Find("Zarvik/Web View"));
             WebView view = quad.AddComponent<WebView>();
             quad.AddComponent<WebViewInput>();
