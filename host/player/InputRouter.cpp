@@ -29,15 +29,16 @@ InputRouter::Receiver InputRouter::move(Point windowPoint) {
     for (auto& held : pressed) {
         held = held ? target : held;
     }
+    auto left = Receiver::nobody;
     if (hovered && !(target && target->page == hovered->page)) {
-        leave();
+        left = leave();
     }
     if (!target) {
-        return Receiver::nobody;
+        return left;
     }
     plugin.WebView_movePointer(target->page.view->handle(), target->x, target->y, 0);
     hovered = target;
-    return receiverOf(*target);
+    return left == Receiver::page ? left : receiverOf(*target);
 }
 
 InputRouter::Receiver InputRouter::leave() {

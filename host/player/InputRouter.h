@@ -24,9 +24,8 @@ class InputRouter {
     /// What the mouse meets from now on.
     void setScenery(Scenery next) { scenery = std::move(next); }
 
-    // Each says who received it.
+    // Each says who received it; of a move that leaves one and enters another, the page counts.
     Receiver move(Point windowPoint);
-    Receiver leave();
     Receiver press(Point windowPoint, Button button, int clickCount);
     Receiver release(Point windowPoint, Button button, int clickCount);
     Receiver scroll(Point windowPoint, Point delta);
@@ -36,13 +35,13 @@ class InputRouter {
 
     void focusPage(std::size_t surface);
     void focusToolbar();
-    bool toolbarHasFocus() const { return focus == Focus::toolbar; }
     /// The page that was used last.
     std::size_t currentPage() const { return current; }
 
   private:
     enum class Focus { nobody, toolbar, page };
 
+    Receiver leave();
     void setFocus(Focus next, std::size_t surface);
     void tellFocus(bool focused) const;
     const Scenery::Page* focusedPage() const;

@@ -37,7 +37,7 @@ Steps of a script, one a line, after # a comment:
   screenshot FILE, print EXPRESSION
 A PLACE is X Y in the window, page X Y in the page, or a CSS selector in the page.
 
-Exit codes: 0 done, 1 something failed, 2 wrong usage or a script that cannot be read.)";
+Exit codes: 0 done, 1 something failed, 2 wrong usage or a script that cannot be read, 130 interrupted.)";
 
 /// CLI11's own check lets through what is no number.
 auto within(double least, double most) {

@@ -11,6 +11,9 @@ namespace zarvik::player {
 
 namespace {
 
+/// The user has closed the window.
+struct WindowClosed {};
+
 using std::chrono::milliseconds;
 
 // How long the main loop sleeps when nothing happens.
@@ -72,6 +75,8 @@ void Player::run() {
         while (window && !window->closed() && options.script.empty()) {
             takeTurn();
         }
+    } catch (const WindowClosed&) {
+        // Also while the first pages load it is the end that the user wants.
     } catch (const Interrupted&) {
         tellSummary();
         throw;
@@ -83,7 +88,10 @@ void Player::play() {
     const auto idle = [this] {
         takeTurn();
         if (window && window->closed()) {
-            throw Interrupted();
+            if (options.script.empty()) {
+                throw WindowClosed();
+            }
+            throw StepError("the window was closed");
         }
     };
     ScriptRunner runner(*session, idle, options.timeoutSeconds);

@@ -46,7 +46,6 @@ class Session {
     /// Throws StepError.
     void perform(const Action& action);
     /// The pointer has left the window.
-    void pointerLeft() { router.leave(); }
     /// Does what the toolbar asks for, and shows it what is new. To be called often.
     void update();
 
@@ -59,7 +58,6 @@ class Session {
     bool isOverPage(Point windowPoint) const { return scenery.under(windowPoint).has_value(); }
     void editAddress();
     void leaveAddress();
-    bool toolbarHasFocus() const { return router.toolbarHasFocus(); }
 
     // For scripts. Pages are counted from 0; the current one is the one used last.
     std::size_t pageCount() const { return pages.size(); }

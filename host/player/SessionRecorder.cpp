@@ -123,14 +123,22 @@ bool SessionRecorder::joinDoubleClick() {
 void SessionRecorder::writeFirst() {
     const Entry entry = std::move(pending.front());
     pending.pop_front();
-    const auto pause = written ? entry.begin - *written : Clock::duration::zero();
-    if (entry.action && pause >= noticeable) {
+    if (!played) {
+        played = entry.begin;
+    }
+    if (!entry.action) {
+        file << entry.line << '\n' << std::flush;
+        played = entry.end;
+        return;
+    }
+    // What is left out because it is short is made up for by the next pause that is not.
+    if (const auto pause = entry.begin - *played; pause >= noticeable) {
         char text[32];
         std::snprintf(text, sizeof text, "wait %.2f\n", std::chrono::duration<double>(pause).count());
         file << text;
+        played = entry.begin;
     }
-    file << (entry.action ? toText(*entry.action) : entry.line) << '\n' << std::flush;
-    written = entry.end;
+    file << toText(*entry.action) << '\n' << std::flush;
 }
 
 }  // namespace zarvik::player

@@ -45,9 +45,9 @@ class SessionRecorder {
     void writeFirst();
 
     std::ofstream file;
-    std::deque<Entry> pending;  // may yet be joined with what comes
-    std::optional<Clock::time_point> written;
-    bool buttonHeld = false;  // moves are then a path, each of them counts
+    std::deque<Entry> pending;                // may yet be joined with what comes
+    std::optional<Clock::time_point> played;  // the time at which the script stands when it is played
+    bool buttonHeld = false;                  // moves are then a path, each of them counts
 };
 
 }  // namespace zarvik::player

@@ -32,7 +32,7 @@ void WindowInput::handle(const WindowEvent& event) {
             move(event);
             break;
         case WindowEvent::Kind::pointerLeft:
-            session.pointerLeft();
+            session.perform(steps::Move{WindowPoint{{-1, -1}}});  // beside everything
             break;
         case WindowEvent::Kind::buttonPressed:
             press(event);

@@ -38,10 +38,7 @@ RenderThread::RenderThread(GLContext& context, double turnsPerSecond, std::funct
 }
 
 void RenderThread::takeTurn() {
-    run([this] {
-        turn();
-        ++turnCount;
-    });
+    run([this] { turn(); });
 }
 
 void RenderThread::post(std::function<void()> task) {

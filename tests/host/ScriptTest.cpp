@@ -128,8 +128,8 @@ TEST(RecordingTest, WhatBelongsTogetherIsOneLineWithThePausesBetween) {
                   .add(120, Type{"b "})
                   .add(300, Key{"Enter"})
                   .text(),
-              "open https://example.org/\nwait load 1\nwait 1.00\nmove 10 20.5\nclick 10 20.5\nwait 0.50\n"
-              "type \"ab \"\nwait 0.30\nkey Enter\n");
+              "open https://example.org/\nwait load 1\nwait 1.00\nmove 10 20.5\nclick 10 20.5\nwait 0.63\n"
+              "type \"ab \"\nwait 0.42\nkey Enter\n");
 }
 
 TEST(RecordingTest, ADoubleClickIsOneAndALongPressIsNone) {
@@ -142,7 +142,7 @@ TEST(RecordingTest, ADoubleClickIsOneAndALongPressIsNone) {
     recording.add(1000, Press{.place = here, .button = Button::right})
         .add(1000, steps::Release{.place = here, .button = Button::right});
     EXPECT_EQ(recording.text(),
-              "double-click 10 20.5\nwait 1.00\npress right 10 20.5\nwait 1.00\nrelease right 10 20.5\n");
+              "double-click 10 20.5\nwait 1.20\npress right 10 20.5\nwait 1.00\nrelease right 10 20.5\n");
 }
 
 TEST(RecordingTest, ADragKeepsItsWayAndTheCameraOnlyItsEnd) {

@@ -45,7 +45,6 @@ class RenderThread {
     void takeTurn();
 
     bool isCurrent() const { return std::this_thread::get_id() == threadId.load(); }
-    std::uint64_t turns() const { return turnCount; }
 
   private:
     using Clock = std::chrono::steady_clock;
@@ -57,7 +56,6 @@ class RenderThread {
     GLContext& context;
     const Clock::duration period;
     const std::function<void()> turn;
-    std::atomic<std::uint64_t> turnCount = 0;
     std::atomic<std::thread::id> threadId;
 
     std::mutex mutex;

@@ -6,8 +6,7 @@
 
 namespace zarvik::host {
 
-/// A context without a window system (EGL on Mesa's surfaceless platform): drawing goes to framebuffer
-/// objects.
+/// A context without a window system, on an EGL device: drawing goes to framebuffer objects.
 class SurfacelessContext final : public GLContext {
   public:
     /// Throws std::runtime_error if the machine has no such EGL or no OpenGL 3.3.

@@ -63,9 +63,9 @@ class View {
     bool waitForUploads(std::uint64_t atLeast,
                         std::chrono::milliseconds timeout = Recorder::defaultTimeout) const;
 
-    /// Waits until the page, loaded at `since`, looks finished: a frame is there, and none has come for
-    /// `quiet`. A page that keeps moving is taken as it is after `limit`. False if no frame came before the
-    /// timeout.
+    /// Waits until the page, loaded at `since`, looks finished: a frame is there, and none has come for a
+    /// while. A page that keeps moving is taken as it is after some seconds. False if it does not look
+    /// finished before the timeout.
     bool waitUntilPainted(std::chrono::steady_clock::time_point since,
                           std::chrono::milliseconds timeout) const;
 
