@@ -4,9 +4,9 @@
 /*
  * The public C interface of Zarvik Orvella: web views for a game engine.
  *
- * Every function returns at once; work on a web view happens on the app's UI thread in the order of the
- * calls, and its outcome comes back through the registered callbacks. The callbacks are called on whichever
- * thread has something to report.
+ * Every function but those of cookies returns at once. Work on a web view happens on the app's UI thread in
+ * the order of the calls, and its outcome comes back through the registered callbacks. The callbacks are
+ * called on whichever thread has something to report.
  */
 
 #include <stdint.h>
