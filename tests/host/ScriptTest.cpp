@@ -155,5 +155,5 @@ TEST(RecordingTest, ADragKeepsItsWayAndTheCameraOnlyItsEnd) {
                   .add(10, MoveCamera{.yaw = 1, .pitch = 2, .distance = 3})
                   .add(10, MoveCamera{.yaw = 4.5, .pitch = 2, .distance = 3})
                   .text(),
-              "press 10 20.5\nmove 11 21\nmove 12 25\nrelease 30 40\ncamera 4.5 2 3\n");
+              "press 10 20.5\nmove 11 21\nmove 12 25\nrelease 30 40\nwait 0.06\ncamera 4.5 2 3\n");
 }
