@@ -17,7 +17,7 @@ const page = join(scratch, "page.html");
 writeFileSync(page, "<title>Example</title><h1>Example</h1>");
 
 const script = join(scratch, "player.script");
-writeFileSync(script, readFileSync(join(root, "docs/images/player.script"), "utf8").replace("docs/images", scratch));
+writeFileSync(script, readFileSync(join(root, "docs/images/player.script"), "utf8").replaceAll("docs/images", scratch));
 
 /** The lines of a page's shell blocks. */
 function commandsOf(file) {
