@@ -76,7 +76,8 @@ void Player::run() {
             takeTurn();
         }
     } catch (const WindowClosed&) {
-        // Also while the first pages load it is the end that the user wants.
+        tellSummary();  // also while the first pages load it is the end that the user wants
+        return;
     } catch (const Interrupted&) {
         tellSummary();
         throw;
