@@ -26,23 +26,24 @@ void takeMessage(PageState& state, const std::string& text) {
     }
 }
 
-void endLoad(PageState& state, const host::Record& record) {
+}  // namespace
+
+void PageReports::endLoad(Page& page, const host::Record& record) {
     const bool success = record.method == "HandleLoadFinished";
-    state.loading = false;
-    state.failure = success ? std::string() : record.payload;
+    page.state.loading = false;
+    page.state.failure = success ? std::string() : record.payload;
     if (record.payload != cancelled) {
-        state.ends.push_back({.success = success, .reason = record.payload, .time = record.time});
+        page.ends.push_back({.success = success, .reason = record.payload, .time = record.time});
     }
 }
-
-}  // namespace
 
 void PageReports::take(const host::Record& record) {
     if (record.kind != host::Record::Kind::message) {
         return;
     }
     const std::scoped_lock lock(mutex);
-    PageState& state = states[record.target];
+    Page& page = pages[record.target];
+    PageState& state = page.state;
     if (record.method == "HandleMessageEmitted") {
         takeMessage(state, record.payload);
         if (record.target == toolbarTarget) {
@@ -55,7 +56,7 @@ void PageReports::take(const host::Record& record) {
     } else if (record.method == "HandleLoadProgressUpdate") {
         std::from_chars(record.payload.data(), record.payload.data() + record.payload.size(), state.progress);
     } else if (record.method == "HandleLoadFinished" || record.method == "HandleLoadFailed") {
-        endLoad(state, record);
+        endLoad(page, record);
     } else if (record.method == "HandleCanGoBackResult") {
         state.canGoBack = record.payload == "true";
     } else if (record.method == "HandleCanGoForwardResult") {
@@ -65,8 +66,14 @@ void PageReports::take(const host::Record& record) {
 
 PageState PageReports::of(const std::string& target) const {
     const std::scoped_lock lock(mutex);
-    const auto found = states.find(target);
-    return found == states.end() ? PageState() : found->second;
+    const auto found = pages.find(target);
+    return found == pages.end() ? PageState() : found->second.state;
+}
+
+std::vector<LoadEnd> PageReports::takeEndsOfLoads(const std::string& target) {
+    const std::scoped_lock lock(mutex);
+    const auto found = pages.find(target);
+    return found == pages.end() ? std::vector<LoadEnd>() : std::exchange(found->second.ends, {});
 }
 
 std::vector<std::string> PageReports::takeToolbarMessages() {

@@ -22,6 +22,9 @@ constexpr milliseconds sampleTime{200};
 constexpr milliseconds reportTime{1000};
 constexpr milliseconds resizeLimit{1000};
 
+// A window may stay open for days. What is waited for is looked at many times a second.
+constexpr std::size_t keptCalls = 10'000;
+
 std::atomic<bool> interrupted = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it");
 
@@ -49,6 +52,7 @@ Player::Player(Options chosen)
                                   }
                                   reports.take(record);
                               }});
+    engine->recorder().keepNewest(keptCalls);
     const auto frames = window               ? Painter::Frames::window
                         : options.statistics ? Painter::Frames::offscreen
                                              : Painter::Frames::none;

@@ -1,7 +1,11 @@
 #include "ScriptRunner.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
+#include <optional>
+#include <system_error>
+#include <utility>
 
 #include "Json.h"
 #include "zarvik/host/Png.h"
@@ -12,8 +16,19 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// A page that is busy answers late; meanwhile the window has to live on.
-constexpr milliseconds answerSlice{200};
+/// Calls the function with each place of the action that can be an element of the page.
+void forEachPlace(Action& action, const std::function<void(Place&)>& visit) {
+    std::visit(
+        [&](auto& step) {
+            if constexpr (requires { step.place; }) {
+                visit(step.place);
+            } else if constexpr (requires { step.from; }) {
+                visit(step.from);
+                visit(step.to);
+            }
+        },
+        action);
+}
 
 }  // namespace
 
@@ -22,7 +37,7 @@ void ScriptRunner::run(const Script& script) {
         try {
             idle();
             if (const auto* action = std::get_if<Action>(&step)) {
-                session.perform(*action);
+                session.perform(withElements(*action));
             } else {
                 std::visit([this](const auto& kind) { check(kind); }, std::get<Check>(step));
             }
@@ -69,12 +84,7 @@ void ScriptRunner::check(const steps::Screenshot& step) {
 }
 
 void ScriptRunner::check(const steps::Print& step) {
-    const auto answer = session.viewOf(session.currentPage())
-                            .evaluate(step.expression, std::chrono::duration_cast<milliseconds>(timeout));
-    if (!answer) {
-        throw StepError("the page does not answer");
-    }
-    std::printf("%s\n", answer->c_str());
+    std::printf("%s\n", evaluate(step.expression).c_str());
     std::fflush(stdout);
 }
 
@@ -88,12 +98,11 @@ void ScriptRunner::check(const steps::Wait& step) {
 void ScriptRunner::check(const steps::WaitForLoad& step) {
     const auto page = step.view == 0 ? session.currentPage() : static_cast<std::size_t>(step.view) - 1;
     session.viewOf(page);  // throws if there is none
-    auto& awaited = session.awaitedLoads(page);
-    waitUntil([&] { return session.stateOf(page).ends.size() > awaited; },
+    std::optional<LoadEnd> end;
+    waitUntil([&] { return (end = session.takeEndOfLoad(page)).has_value(); },
               [&] { return "no load has ended (" + session.stateOf(page).url + ")"; });
-    const auto end = session.stateOf(page).ends[awaited++];
-    if (end.success != step.success) {
-        throw StepError(end.success ? "the page was loaded after all" : end.reason);
+    if (end->success != step.success) {
+        throw StepError(end->success ? "the page was loaded after all" : end->reason);
     }
 }
 
@@ -115,17 +124,57 @@ void ScriptRunner::check(const steps::WaitForPaint&) {
         [] { return "the pages have not been painted"; });
 }
 
+std::string ScriptRunner::evaluate(const std::string& script) {
+    const auto& view = session.viewOf(session.currentPage());
+    const auto evaluation = view.evaluation(script);
+    std::optional<std::string> result;
+    waitUntil([&] { return (result = view.resultOf(evaluation, milliseconds(0))).has_value(); },
+              [] { return "the page does not answer"; });
+    return *result;
+}
+
 void ScriptRunner::waitForPage(const std::string& condition, const std::string& complaint) {
     const auto& view = session.viewOf(session.currentPage());
-    std::string last;
+    auto evaluation = view.evaluation(condition);
+    std::string last = "the page does not answer";
     waitUntil(
         [&] {
-            const auto answer = view.evaluate(
-                condition, std::min(answerSlice, std::chrono::duration_cast<milliseconds>(timeout)));
-            last = answer.value_or("the page does not answer");
+            const auto result = view.resultOf(evaluation, milliseconds(0));
+            if (result && (last = *result) != "true") {
+                evaluation = view.evaluation(condition);
+            }
             return last == "true";
         },
         [&] { return complaint + (last == "false" ? "" : " (" + last + ")"); });
+}
+
+Action ScriptRunner::withElements(Action action) {
+    forEachPlace(action, [this](Place& place) {
+        if (auto* element = std::get_if<Element>(&place)) {
+            element->middle = middleOf(element->selector);
+        }
+    });
+    return action;
+}
+
+Point ScriptRunner::middleOf(const std::string& selector) {
+    const auto answer = evaluate(
+        "(function (selector) { var element = document.querySelector(selector); if (!element) { return "
+        "'none'; } "
+        "var box = element.getBoundingClientRect(); "
+        "return 'at ' + (box.left + box.width / 2) + ' ' + (box.top + box.height / 2); })(" +
+        toScript(selector) + ")");
+    if (answer == "none") {
+        throw StepError("the page has no element '" + selector + "'");
+    }
+    Point middle;
+    const char* const end = answer.data() + answer.size();
+    const auto [space, errorInX] = std::from_chars(std::min(answer.data() + 3, end), end, middle.x);
+    const auto [last, errorInY] = std::from_chars(std::min(space + 1, end), end, middle.y);
+    if (!answer.starts_with("at ") || errorInX != std::errc() || errorInY != std::errc() || last != end) {
+        throw StepError("'" + selector + "' cannot be looked up: " + answer);
+    }
+    return middle;
 }
 
 void ScriptRunner::check(const steps::WaitForText& step) {

@@ -43,8 +43,13 @@ class ScriptRunner {
 
     /// Asks again and again until it is true. Throws StepError when the time is up.
     void waitUntil(const std::function<bool()>& satisfied, const std::function<std::string()>& complaint);
+    /// A script's result in the current page.
+    std::string evaluate(const std::string& script);
     /// Waits until a script in the current page gives true.
     void waitForPage(const std::string& condition, const std::string& complaint);
+    /// The action with its elements looked up in the current page.
+    Action withElements(Action action);
+    Point middleOf(const std::string& selector);
 
     Session& session;
     const std::function<void()> idle;

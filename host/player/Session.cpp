@@ -1,12 +1,10 @@
 #include "Session.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 #include <utility>
 
 #include "Address.h"
-#include "Json.h"
 
 namespace zarvik::player {
 
@@ -16,7 +14,8 @@ using Receiver = InputRouter::Receiver;
 using std::chrono::steady_clock;
 
 constexpr int dragSteps = 12;
-constexpr std::chrono::seconds elementLimit{10};
+// Pages that load one document after the other while no script waits for them.
+constexpr std::size_t mostEnds = 1000;
 
 host::Size toolbarSize(host::Size window) {
     return {.width = window.width, .height = Scenery::toolbarHeight};
@@ -67,15 +66,30 @@ void Session::update() {
 void Session::noteEndsOfLoads() {
     for (std::size_t i = 0; i < pages.size(); ++i) {
         Page& page = pages[i];
-        const auto ends = stateOf(i).ends;
-        for (; page.knownLoads < ends.size(); ++page.knownLoads) {
+        for (auto& end : reports.takeEndsOfLoads(page.view->target())) {
             if (recorder) {
-                recorder->loadEnded(i + 1, ends[page.knownLoads].success);
+                recorder->loadEnded(i + 1, end.success);
             }
             engine.plugin().WebView_canGoBack(page.view->handle());
             engine.plugin().WebView_canGoForward(page.view->handle());
+            lastEndOfLoad = std::max(lastEndOfLoad, end.time);
+            page.ends.push_back(std::move(end));
+            if (page.ends.size() > mostEnds) {
+                page.ends.pop_front();
+            }
         }
     }
+}
+
+std::optional<LoadEnd> Session::takeEndOfLoad(std::size_t page) {
+    noteEndsOfLoads();
+    auto& ends = pages.at(page).ends;
+    if (ends.empty()) {
+        return std::nullopt;
+    }
+    auto end = std::move(ends.front());
+    ends.pop_front();
+    return end;
 }
 
 void Session::editAddress() {
@@ -103,15 +117,6 @@ PageState Session::stateOf(std::size_t page) const {
     return reports.of(viewOf(page).target());
 }
 
-steady_clock::time_point Session::lastChange() const {
-    auto last = lastAction;
-    for (std::size_t i = 0; i < pages.size(); ++i) {
-        const auto ends = stateOf(i).ends;
-        last = ends.empty() ? last : std::max(last, ends.back().time);
-    }
-    return last;
-}
-
 void Session::record(const Action& action, Receiver receiver) {
     if (recorder && receiver == Receiver::page) {
         recorder->performed(action);
@@ -121,6 +126,12 @@ void Session::record(const Action& action, Receiver receiver) {
 Session::Page& Session::current() {
     viewOf(currentPage());  // throws if there is none
     return pages[currentPage()];
+}
+
+Session::Page& Session::currentForNewLoad() {
+    Page& page = current();
+    page.ends.clear();
+    return page;
 }
 
 void Session::rebuildStage() {
@@ -166,7 +177,7 @@ void Session::run(const steps::Load& step) {
 }
 
 void Session::beginLoad(Page& page, const std::string& text) {
-    page.awaitedLoads = reports.of(page.view->target()).ends.size();
+    page.ends.clear();
     try {
         const auto url = toUrl(text);
         if (const char* html = bundledPage(url)) {
@@ -180,20 +191,17 @@ void Session::beginLoad(Page& page, const std::string& text) {
 }
 
 void Session::run(const steps::Back& step) {
-    current().awaitedLoads = stateOf(currentPage()).ends.size();
-    engine.plugin().WebView_goBack(current().view->handle());
+    engine.plugin().WebView_goBack(currentForNewLoad().view->handle());
     record(step);
 }
 
 void Session::run(const steps::Forward& step) {
-    current().awaitedLoads = stateOf(currentPage()).ends.size();
-    engine.plugin().WebView_goForward(current().view->handle());
+    engine.plugin().WebView_goForward(currentForNewLoad().view->handle());
     record(step);
 }
 
 void Session::run(const steps::Reload& step) {
-    current().awaitedLoads = stateOf(currentPage()).ends.size();
-    engine.plugin().WebView_reload(current().view->handle());
+    engine.plugin().WebView_reload(currentForNewLoad().view->handle());
     record(step);
 }
 
@@ -308,7 +316,7 @@ Point Session::resolve(const Place& place) {
     const auto* inPage = std::get_if<PagePoint>(&place);
     const auto* element = std::get_if<Element>(&place);
     const std::string what = element ? "'" + element->selector + "'" : "this point of the page";
-    const Point pixel = inPage ? inPage->point : middleOf(element->selector);
+    const Point pixel = inPage ? inPage->point : element->middle.value();
     if (pixel.x < 0 || pixel.y < 0 || pixel.x >= page.size.width || pixel.y >= page.size.height) {
         throw StepError(what + " is outside the visible part of the page: scroll first");
     }
@@ -317,30 +325,6 @@ Point Session::resolve(const Place& place) {
         throw StepError(what + " cannot be seen in the window: move the camera");
     }
     return *point;
-}
-
-Point Session::middleOf(const std::string& selector) {
-    const std::string script =
-        "(function (selector) { var element = document.querySelector(selector); if (!element) { return "
-        "'none'; } "
-        "var box = element.getBoundingClientRect(); "
-        "return 'at ' + (box.left + box.width / 2) + ' ' + (box.top + box.height / 2); })(" +
-        toScript(selector) + ")";
-    const auto answer = viewOf(currentPage()).evaluate(script, elementLimit);
-    if (!answer) {
-        throw StepError("the page does not answer");
-    }
-    if (answer == "none") {
-        throw StepError("the page has no element '" + selector + "'");
-    }
-    Point middle;
-    const char* const end = answer->data() + answer->size();
-    const auto [space, errorInX] = std::from_chars(std::min(answer->data() + 3, end), end, middle.x);
-    const auto [last, errorInY] = std::from_chars(std::min(space + 1, end), end, middle.y);
-    if (!answer->starts_with("at ") || errorInX != std::errc() || errorInY != std::errc() || last != end) {
-        throw StepError("'" + selector + "' cannot be looked up: " + *answer);
-    }
-    return middle;
 }
 
 }  // namespace zarvik::player

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
+#include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -45,7 +48,6 @@ class Session {
 
     /// Throws StepError.
     void perform(const Action& action);
-    /// The pointer has left the window.
     /// Does what the toolbar asks for, and shows it what is new. To be called often.
     void update();
 
@@ -65,19 +67,18 @@ class Session {
     /// Throws StepError if there is none.
     const host::View& viewOf(std::size_t page) const;
     PageState stateOf(std::size_t page) const;
-    /// How many ends of loads of a page nobody has to wait for any more.
-    std::size_t& awaitedLoads(std::size_t page) { return pages.at(page).awaitedLoads; }
+    /// The oldest end of a load that began with the newest one or later, and that was not asked for yet.
+    std::optional<LoadEnd> takeEndOfLoad(std::size_t page);
     const host::View& toolbarView() const { return toolbar.view(); }
     bool toolbarIsReady() const { return toolbar.isReady(); }
     /// When something was done last, or a page was loaded.
-    std::chrono::steady_clock::time_point lastChange() const;
+    std::chrono::steady_clock::time_point lastChange() const { return std::max(lastAction, lastEndOfLoad); }
 
   private:
     struct Page {
         std::unique_ptr<host::View> view;
         host::Size size;
-        std::size_t awaitedLoads = 0;
-        std::size_t knownLoads = 0;
+        std::deque<LoadEnd> ends{};  // nobody has waited for yet
     };
 
     // One for each action.
@@ -105,6 +106,8 @@ class Session {
     void record(const Action& action, InputRouter::Receiver receiver = InputRouter::Receiver::page);
 
     Page& current();
+    /// Something begins a load: what ended before is of no interest any more.
+    Page& currentForNewLoad();
     void beginLoad(Page& page, const std::string& text);
     void noteEndsOfLoads();
     void rebuildStage();
@@ -113,7 +116,6 @@ class Session {
 
     /// The point of the window for what a step points at.
     Point resolve(const Place& place);
-    Point middleOf(const std::string& selector);
 
     host::Engine& engine;
     PageReports& reports;
@@ -127,6 +129,7 @@ class Session {
     Scenery scenery;
     bool cameraMoved = false;
     std::chrono::steady_clock::time_point lastAction = std::chrono::steady_clock::now();
+    std::chrono::steady_clock::time_point lastEndOfLoad;
 };
 
 }  // namespace zarvik::player

@@ -1,6 +1,5 @@
 #include "Statistics.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <utility>
@@ -16,6 +15,11 @@ double seconds(std::chrono::steady_clock::duration duration) {
     return std::chrono::duration<double>(duration).count();
 }
 
+/// Of a millisecond, rounded.
+std::size_t tenths(std::chrono::steady_clock::duration duration) {
+    return static_cast<std::size_t>(std::lround(seconds(duration) * 10'000));
+}
+
 double rate(std::uint64_t count, double interval) {
     return static_cast<double>(count) / interval;
 }
@@ -28,36 +32,37 @@ std::string formatted(const char* format, Arguments... arguments) {
     return text;
 }
 
-/// The value below which this part of the sorted values is.
-double percentile(const std::vector<double>& sorted, double part) {
-    const auto rank = static_cast<std::size_t>(std::ceil(part * static_cast<double>(sorted.size())));
-    return sorted[std::max<std::size_t>(rank, 1) - 1];
-}
-
 }  // namespace
 
-Statistics::Statistics() : processes(host::processTreeTimes()) {}
+Statistics::Statistics() : latencies(tenths(answerLimit) + 1), processes(host::processTreeTimes()) {}
 
 void Statistics::inputSent(const std::string& view, std::uint64_t pictures) {
     const std::scoped_lock lock(mutex);
-    waiting.push_back({.view = view, .pictures = pictures, .time = Clock::now()});
+    const auto now = Clock::now();
+    giveUp(now);
+    waiting.push_back({.view = view, .pictures = pictures, .time = now});
+}
+
+void Statistics::giveUp(Clock::time_point now) {
+    while (!waiting.empty() && now - waiting.front().time > answerLimit) {
+        waiting.pop_front();
+        ++unanswered;
+    }
 }
 
 void Statistics::frameDrawn(const std::map<std::string, std::uint64_t>& pictures) {
-    const auto now = Clock::now();
     const std::scoped_lock lock(mutex);
+    const auto now = Clock::now();  // under the lock: no input is newer
     ++totals.frames;
     totals.pictures = pictures;
+    giveUp(now);
     std::erase_if(waiting, [&](const Input& input) {
         const auto view = pictures.find(input.view);
         if (view == pictures.end() || view->second <= input.pictures) {
             return false;
         }
-        if (now - input.time > answerLimit) {
-            ++unanswered;
-        } else {
-            latencies.push_back(seconds(now - input.time) * 1000);
-        }
+        ++latencies[tenths(now - input.time)];
+        ++answered;
         return true;
     });
 }
@@ -100,16 +105,25 @@ std::string Statistics::summary() const {
         text += formatted("pictures uploaded   %s: %llu (%.1f/s)\n", view.c_str(),
                           static_cast<unsigned long long>(pictures), rate(pictures, interval));
     }
-    text += formatted("input to picture    %zu of %zu inputs were followed by a new picture of their page",
-                      latencies.size(), latencies.size() + waiting.size() + unanswered);
-    if (!latencies.empty()) {
-        auto sorted = latencies;
-        std::ranges::sort(sorted);
-        text += formatted(
-            "\n                    median %.1f ms, 90 %% %.1f ms, 99 %% %.1f ms, longest %.1f ms",
-            percentile(sorted, 0.5), percentile(sorted, 0.9), percentile(sorted, 0.99), sorted.back());
+    text += formatted("input to picture    %llu of %llu inputs were followed by a new picture of their page",
+                      static_cast<unsigned long long>(answered),
+                      static_cast<unsigned long long>(answered + waiting.size() + unanswered));
+    if (answered > 0) {
+        text +=
+            formatted("\n                    median %.1f ms, 90 %% %.1f ms, 99 %% %.1f ms, longest %.1f ms",
+                      latency(0.5), latency(0.9), latency(0.99), latency(1));
     }
     return text;
+}
+
+double Statistics::latency(double part) const {
+    const auto rank = static_cast<std::uint64_t>(std::ceil(part * static_cast<double>(answered)));
+    std::uint64_t below = 0;
+    std::size_t tenth = 0;
+    while ((below += latencies[tenth]) < rank) {
+        ++tenth;
+    }
+    return static_cast<double>(tenth) / 10;
 }
 
 }  // namespace zarvik::player

@@ -47,9 +47,15 @@ class Statistics {
     };
 
     mutable std::mutex mutex;
-    std::deque<Input> waiting;
+    /// The input that nothing followed in time.
+    void giveUp(Clock::time_point now);
+    /// The latency in milliseconds below which this part of the answered input is.
+    double latency(double part) const;
+
+    std::deque<Input> waiting;  // the oldest first
     std::uint64_t unanswered = 0;
-    std::vector<double> latencies;  // milliseconds
+    std::uint64_t answered = 0;
+    std::vector<std::uint64_t> latencies;  // how many had each number of tenths of a millisecond
     Totals totals;
     host::ProcessTimes processes;  // the last known time of each process that was ever seen
 

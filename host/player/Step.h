@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -20,6 +21,7 @@ struct PagePoint {  // in pixels of the current page
 };
 struct Element {  // the middle of what a CSS selector finds in the current page
     std::string selector;
+    std::optional<Point> middle{};  // in pixels of the page, once it was looked up
     bool operator==(const Element&) const = default;
 };
 using Place = std::variant<WindowPoint, PagePoint, Element>;

@@ -116,7 +116,7 @@ Place readPlace(Words& words) {
         const double x = words.number("X");
         return PagePoint{{x, words.number("Y")}};
     }
-    return Element{words.rest("a place (X Y, page X Y, or a CSS selector)")};
+    return Element{.selector = words.rest("a place (X Y, page X Y, or a CSS selector)")};
 }
 
 host::Size readSize(Words& words) {

@@ -1,5 +1,6 @@
 #include "zarvik/host/Recorder.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zarvik::host {
@@ -13,21 +14,31 @@ void Recorder::add(Record record) {
     }
     lock.lock();
     records.push_back(std::move(record));
+    if (most && records.size() > *most) {
+        records.pop_front();
+        ++forgotten;
+    }
     lock.unlock();
     added.notify_all();
 }
 
+void Recorder::keepNewest(std::size_t count) {
+    const std::scoped_lock lock(mutex);
+    most = count;
+    for (; records.size() > count; ++forgotten) {
+        records.pop_front();
+    }
+}
+
 std::size_t Recorder::position() const {
     const std::scoped_lock lock(mutex);
-    return records.size();
+    return forgotten + records.size();
 }
 
 std::vector<Record> Recorder::since(std::size_t position) const {
     const std::scoped_lock lock(mutex);
-    if (position >= records.size()) {
-        return {};
-    }
-    return {records.begin() + static_cast<std::ptrdiff_t>(position), records.end()};
+    const auto first = std::clamp(position, forgotten, forgotten + records.size()) - forgotten;
+    return {records.begin() + static_cast<std::ptrdiff_t>(first), records.end()};
 }
 
 std::optional<Record> Recorder::waitFor(const Predicate& matches, std::size_t from,
@@ -35,9 +46,9 @@ std::optional<Record> Recorder::waitFor(const Predicate& matches, std::size_t fr
     std::unique_lock lock(mutex);
     std::optional<Record> found;
     added.wait_for(lock, timeout, [&] {
-        for (; from < records.size(); ++from) {
-            if (matches(records[from])) {
-                found = records[from];
+        for (from = std::max(from, forgotten); from < forgotten + records.size(); ++from) {
+            if (const Record& record = records[from - forgotten]; matches(record)) {
+                found = record;
                 return true;
             }
         }

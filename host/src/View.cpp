@@ -86,48 +86,49 @@ void View::loadHtml(const std::string& html) {
 }
 
 LoadResult View::waitForLoad(milliseconds timeout) const {
-    LoadResult result;
-    engine.recorder().waitUntil(
-        [&](const std::deque<Record>& records) {
-            bool started = false;
-            for (auto i = loadPosition.load(); i < records.size(); ++i) {
-                const Record& record = records[i];
-                if (record.target != targetName) {
-                    continue;
-                }
-                started = started || record.method == "HandleLoadStarted";
-                // A load that was under way ends as cancelled before this one starts; only a load that cannot
-                // start at all fails without having started.
-                const bool failed = record.method == "HandleLoadFailed" &&
-                                    (started || !record.payload.starts_with(failureOfStartedLoad));
-                if (failed || (started && record.method == "HandleLoadFinished")) {
-                    result = {.outcome = failed ? LoadResult::Outcome::failed : LoadResult::Outcome::finished,
-                              .reason = failed ? record.payload : std::string(),
-                              .time = record.time};
-                    return true;
-                }
+    bool started = false;
+    // A load that was under way ends as cancelled before this one starts; only a load that cannot start at
+    // all fails without having started.
+    const auto failed = [&](const Record& record) {
+        return record.method == "HandleLoadFailed" &&
+               (started || !record.payload.starts_with(failureOfStartedLoad));
+    };
+    const auto end = engine.recorder().waitFor(
+        [&](const Record& record) {
+            if (record.target != targetName) {
+                return false;
             }
-            return false;
+            started = started || record.method == "HandleLoadStarted";
+            return failed(record) || (started && record.method == "HandleLoadFinished");
         },
-        timeout);
-    return result;
+        loadPosition, timeout);
+    if (!end) {
+        return {};
+    }
+    const bool failure = failed(*end);
+    return {.outcome = failure ? LoadResult::Outcome::failed : LoadResult::Outcome::finished,
+            .reason = failure ? end->payload : std::string(),
+            .time = end->time};
 }
 
-std::optional<std::string> View::evaluate(const std::string& script, milliseconds timeout) const {
+View::Evaluation View::evaluation(const std::string& script) const {
     const std::string id = uniqueName("evaluate");
-    const std::string prefix = id + ",";
-    const auto from = engine.recorder().position();
+    const Evaluation begun{.prefix = id + ",", .from = engine.recorder().position()};
     engine.plugin().WebView_executeJavaScript(instance, script.c_str(), id.c_str());
+    return begun;
+}
+
+std::optional<std::string> View::resultOf(const Evaluation& evaluation, milliseconds timeout) const {
     const auto answer = engine.recorder().waitFor(
         [&](const Record& record) {
             return record.target == targetName && record.method == "HandleJavaScriptResult" &&
-                   record.payload.starts_with(prefix);
+                   record.payload.starts_with(evaluation.prefix);
         },
-        from, timeout);
+        evaluation.from, timeout);
     if (!answer) {
         return std::nullopt;
     }
-    return answer->payload.substr(prefix.size());
+    return answer->payload.substr(evaluation.prefix.size());
 }
 
 std::optional<Record> View::waitForMessage(const std::string& method, std::size_t from,

@@ -1,68 +1,63 @@
 #include "exports/HostChannel.h"
 
-#include <atomic>
 #include <chrono>
 #include <limits>
 
+#include "exports/EngineFunction.h"
 #include "exports/LogTexts.h"
 
 namespace {
 
-std::atomic<ZarvikSendMessageFunction> sendMessageFunction{nullptr};
-std::atomic<ZarvikDataResultCallback> dataResultCallback{nullptr};
-std::atomic<ZarvikLogFunction> infoLogFunction{nullptr};
-std::atomic<ZarvikLogFunction> warningLogFunction{nullptr};
-std::atomic<ZarvikLogFunction> errorLogFunction{nullptr};
+EngineFunction<const char*, const char*, const char*> sendMessageFunction;
+EngineFunction<const char*, const char*, const std::uint8_t*, std::int32_t> dataResultCallback;
+EngineFunction<const char*> infoLogFunction;
+EngineFunction<const char*> warningLogFunction;
+EngineFunction<const char*> errorLogFunction;
 
-void writeLogLine(ZarvikLogFunction function, std::string_view text) {
-    if (!function) {
+void writeLogLine(EngineFunction<const char*>& function, std::string_view text) {
+    if (!function.isSet()) {
         return;
     }
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
-    function(composeLogLine(milliseconds, text).c_str());
+    function.call(composeLogLine(milliseconds, text).c_str());
 }
 
 }  // namespace
 
 void setSendMessageFunction(ZarvikSendMessageFunction function) {
-    sendMessageFunction = function;
+    sendMessageFunction.set(function);
 }
 
 void setDataResultCallback(ZarvikDataResultCallback callback) {
-    dataResultCallback = callback;
+    dataResultCallback.set(callback);
 }
 
 void setLogFunctions(ZarvikLogFunction info, ZarvikLogFunction warning, ZarvikLogFunction error) {
-    infoLogFunction = info;
-    warningLogFunction = warning;
-    errorLogFunction = error;
+    infoLogFunction.set(info);
+    warningLogFunction.set(warning);
+    errorLogFunction.set(error);
 }
 
 bool sendHostMessage(const std::string& messageTargetName, const std::string& methodName,
                      const std::string& payload) {
-    const ZarvikSendMessageFunction send = sendMessageFunction;
-    if (!send) {
+    const bool sent =
+        sendMessageFunction.call(messageTargetName.c_str(), methodName.c_str(), payload.c_str());
+    if (!sent) {
         logError(log_texts::noSendMessageFunction);
-        return false;
     }
-    send(messageTargetName.c_str(), methodName.c_str(), payload.c_str());
-    return true;
+    return sent;
 }
 
 void sendDataResult(const std::string& messageTargetName, const std::string& resultCallbackId,
                     std::span<const std::uint8_t> bytes) {
-    const ZarvikDataResultCallback callback = dataResultCallback;
-    if (!callback) {
-        logError(log_texts::noDataResultCallback);
-        return;
-    }
-    if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+    if (dataResultCallback.isSet() &&
+        bytes.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
         logError(log_texts::dataResultTooLarge);
-        return;
+    } else if (!dataResultCallback.call(messageTargetName.c_str(), resultCallbackId.c_str(), bytes.data(),
+                                        static_cast<std::int32_t>(bytes.size()))) {
+        logError(log_texts::noDataResultCallback);
     }
-    callback(messageTargetName.c_str(), resultCallbackId.c_str(), bytes.data(),
-             static_cast<std::int32_t>(bytes.size()));
 }
 
 void logInfo(std::string_view text) {

@@ -221,6 +221,10 @@ TEST_F(PlayerTest, FailuresAreToldWithLineAndExitCode) {
     };
     expectFailure(load + "timeout 0.3\nwait text absent\n", "4",
                   "timed out after 0.3 s: the page has no text 'absent'");
+    const auto hang = load + "timeout 0.5\nprint setTimeout(() => { for (;;); }, 100)\nwait 0.3\n";
+    expectFailure(hang + "click button\n", "6", "timed out after 0.5 s: the page does not answer");
+    expectFailure(hang + "wait true true\n", "6",
+                  "timed out after 0.5 s: this is not true: true (the page does not answer)");
     expectFailure(load + "click #absent\n", "3", "the page has no element '#absent'");
     expectFailure(load + "click page 5 5000\n", "3",
                   "this point of the page is outside the visible part of the page: scroll first");

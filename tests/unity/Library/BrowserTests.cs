@@ -130,6 +130,21 @@ namespace Zarvik.Orvella.LibraryTests
         }
 
         [Test]
+        public void AQuestionWithoutAnAnswerFailsAndLeavesLaterOnesAlone()
+        {
+            using Browser browser = Browser.CreateOffscreen(320, 240);
+            Engine.Await(browser.LoadHtml(Page));
+            // Without a receiver the answer is lost, as where native code cannot give one.
+            NativeMethods.WebView_setSendMessageFunction(null);
+            Task<bool> lost = browser.CanGoBack();
+            Engine.Pass(TimeSpan.FromMilliseconds(300));
+            NativeCallbacks.Register();
+            browser.ExpireRequests(WebViewHost.Now + 60_000);
+            Assert.Throws<TimeoutException>(() => Engine.Await(lost));
+            Assert.IsFalse(Engine.Await(browser.CanGoBack()));
+        }
+
+        [Test]
         public void HistoryAnswersAndReportsItsUrls()
         {
             using var server = new PageServer();

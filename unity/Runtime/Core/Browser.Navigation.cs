@@ -13,11 +13,8 @@ namespace Zarvik.Orvella
 
         private readonly LoadTracker loads = new LoadTracker();
         private readonly PromiseTable<string> scripts = new PromiseTable<string>();
-        private readonly Queue<TaskCompletionSource<bool>> canGoBackQuestions =
-            new Queue<TaskCompletionSource<bool>>();
-
-        private readonly Queue<TaskCompletionSource<bool>> canGoForwardQuestions =
-            new Queue<TaskCompletionSource<bool>>();
+        private readonly PromiseTable<bool> canGoBackQuestions = new PromiseTable<bool>();
+        private readonly PromiseTable<bool> canGoForwardQuestions = new PromiseTable<bool>();
 
         /// <summary>Loads a web page, a local file ("file:") or a PDF document.</summary>
         /// <returns>
@@ -89,17 +86,19 @@ namespace Zarvik.Orvella
         }
 
         /// <summary>Whether <see cref="GoBack"/> leads somewhere.</summary>
+        /// <returns>Fails with <see cref="TimeoutException"/> when the web view does not answer.</returns>
         public Task<bool> CanGoBack()
         {
             NativeMethods.WebView_canGoBack(Handle());
-            return Ask(canGoBackQuestions);
+            return canGoBackQuestions.Add(WebViewHost.Now + AnswerTime, out _);
         }
 
         /// <summary>Whether <see cref="GoForward"/> leads somewhere.</summary>
+        /// <returns>Fails with <see cref="TimeoutException"/> when the web view does not answer.</returns>
         public Task<bool> CanGoForward()
         {
             NativeMethods.WebView_canGoForward(Handle());
-            return Ask(canGoForwardQuestions);
+            return canGoForwardQuestions.Add(WebViewHost.Now + AnswerTime, out _);
         }
 
         /// <summary>Runs a script in the page. Scripts run and are answered in the order of the calls.</summary>
@@ -148,29 +147,6 @@ namespace Zarvik.Orvella
                 lines.Append(lines.Length > 0 ? "\n" : "").Append(header.Key).Append(": ").Append(header.Value);
             }
             return lines.ToString();
-        }
-
-        private static Task<bool> Ask(Queue<TaskCompletionSource<bool>> questions)
-        {
-            var question = new TaskCompletionSource<bool>();
-            questions.Enqueue(question);
-            return question.Task;
-        }
-
-        private static void CompleteHistoryQuestion(Queue<TaskCompletionSource<bool>> questions, string answer)
-        {
-            if (questions.Count > 0)
-            {
-                questions.Dequeue().TrySetResult(answer == "true");
-            }
-        }
-
-        private static void CancelQuestions(Queue<TaskCompletionSource<bool>> questions)
-        {
-            while (questions.Count > 0)
-            {
-                questions.Dequeue().TrySetCanceled();
-            }
         }
 
         private void CompleteScript(int id, string result)

@@ -5,7 +5,6 @@ namespace Zarvik.Orvella
 {
     public sealed partial class Browser
     {
-        private const long DataRequestTime = 10_000;
         private const float ZoomStep = 0.1F;
         private const float LowestZoomFactor = 0.1F;
 
@@ -130,7 +129,7 @@ namespace Zarvik.Orvella
         private Task<byte[]> RequestData(Action<IntPtr, byte[]> request)
         {
             IntPtr handle = Handle();
-            Task<byte[]> task = dataRequests.Add(WebViewHost.Now + DataRequestTime, out int id);
+            Task<byte[]> task = dataRequests.Add(WebViewHost.Now + AnswerTime, out int id);
             using (var idText = new NativeText(id))
             {
                 request(handle, idText.Bytes);

@@ -13,6 +13,9 @@ namespace Zarvik.Orvella
     /// </remarks>
     public sealed partial class Browser : IDisposable
     {
+        /// <summary>How long native code may take for what it answers at once, in milliseconds.</summary>
+        private const long AnswerTime = 10_000;
+
         private IntPtr instance;
 
         private Browser(bool isOffscreen, int width, int height)
@@ -111,10 +114,10 @@ namespace Zarvik.Orvella
                     dataRequests.Take(message.ResultId)?.TrySetResult(message.Bytes);
                     break;
                 case HostMessageKind.CanGoBack:
-                    CompleteHistoryQuestion(canGoBackQuestions, message.Text);
+                    canGoBackQuestions.TakeOldest()?.TrySetResult(message.Text == "true");
                     break;
                 case HostMessageKind.CanGoForward:
-                    CompleteHistoryQuestion(canGoForwardQuestions, message.Text);
+                    canGoForwardQuestions.TakeOldest()?.TrySetResult(message.Text == "true");
                     break;
                 default:
                     DispatchLoad(message);
@@ -126,6 +129,8 @@ namespace Zarvik.Orvella
         internal void ExpireRequests(long now)
         {
             dataRequests.Expire(now);
+            canGoBackQuestions.Expire(now);
+            canGoForwardQuestions.Expire(now);
             loads.Expire(now);
         }
 
@@ -173,8 +178,8 @@ namespace Zarvik.Orvella
             loads.Cancel();
             scripts.CancelAll();
             dataRequests.CancelAll();
-            CancelQuestions(canGoBackQuestions);
-            CancelQuestions(canGoForwardQuestions);
+            canGoBackQuestions.CancelAll();
+            canGoForwardQuestions.CancelAll();
         }
     }
 }

@@ -1,6 +1,5 @@
 using System;
 using System.Text;
-using System.Threading;
 using AOT;
 
 namespace Zarvik.Orvella
@@ -31,8 +30,6 @@ namespace Zarvik.Orvella
             Method("HandleCanGoForwardResult", HostMessageKind.CanGoForward),
         };
 
-        private static int callsInFlight;
-
         /// <summary>Before the first web view.</summary>
         internal static void Register()
         {
@@ -42,15 +39,14 @@ namespace Zarvik.Orvella
         }
 
         /// <summary>
-        /// Before this assembly is unloaded: waits up to a second until no native thread is inside it. Logging goes
-        /// first: without it, a message that finds no receiver is dropped silently.
+        /// Before this assembly is unloaded: the library waits for its threads that are inside it, up to a second for
+        /// each function. Logging goes first: without it, a message that finds no receiver is dropped silently.
         /// </summary>
         internal static void Unregister()
         {
             NativeMethods.WebView_setLogFunctions(null, null, null);
             NativeMethods.WebView_setSendMessageFunction(null);
             NativeMethods.WebView_setDataResultCallback(null);
-            SpinWait.SpinUntil(() => Volatile.Read(ref callsInFlight) == 0, TimeSpan.FromSeconds(1));
         }
 
         private static (byte[] Name, HostMessageKind Kind) Method(string name, HostMessageKind kind)
@@ -61,7 +57,6 @@ namespace Zarvik.Orvella
         [MonoPInvokeCallback(typeof(NativeMethods.SendMessageFunction))]
         private static void OnMessage(IntPtr target, IntPtr method, IntPtr payload)
         {
-            Interlocked.Increment(ref callsInFlight);
             try
             {
                 WebViewHost.Receive(Utf8.Bytes(target), Read(KindOf(Utf8.Bytes(method)), Utf8.Bytes(payload)));
@@ -70,16 +65,11 @@ namespace Zarvik.Orvella
             {
                 WebViewHost.ReportFromAnyThread(exception);
             }
-            finally
-            {
-                Interlocked.Decrement(ref callsInFlight);
-            }
         }
 
         [MonoPInvokeCallback(typeof(NativeMethods.DataResultCallback))]
         private static unsafe void OnData(IntPtr target, IntPtr resultCallbackId, IntPtr bytes, int length)
         {
-            Interlocked.Increment(ref callsInFlight);
             try
             {
                 if (Utf8.TryParse(Utf8.Bytes(resultCallbackId), out ulong id))
@@ -95,10 +85,6 @@ namespace Zarvik.Orvella
             catch (Exception exception)
             {
                 WebViewHost.ReportFromAnyThread(exception);
-            }
-            finally
-            {
-                Interlocked.Decrement(ref callsInFlight);
             }
         }
 
@@ -122,7 +108,6 @@ namespace Zarvik.Orvella
 
         private static void OnLog(LogSeverity severity, IntPtr line)
         {
-            Interlocked.Increment(ref callsInFlight);
             try
             {
                 WebViewHost.Enqueue(new HostMessage
@@ -135,10 +120,6 @@ namespace Zarvik.Orvella
             catch (Exception exception)
             {
                 WebViewHost.ReportFromAnyThread(exception);
-            }
-            finally
-            {
-                Interlocked.Decrement(ref callsInFlight);
             }
         }
 

@@ -12,6 +12,7 @@ namespace Zarvik.Orvella
     {
         private readonly Dictionary<int, Promise> promises = new Dictionary<int, Promise>();
         private int lastId;
+        private int oldestId = 1; // no request before it waits
         private long earliestDeadline = long.MaxValue;
 
         internal int Count => promises.Count;
@@ -32,6 +33,16 @@ namespace Zarvik.Orvella
         internal TaskCompletionSource<T> Take(int id)
         {
             return promises.Remove(id, out Promise promise) ? promise.Source : null;
+        }
+
+        /// <summary>Takes the oldest request out, for an answer that names none. Null: none waits.</summary>
+        internal TaskCompletionSource<T> TakeOldest()
+        {
+            while (oldestId < lastId && !promises.ContainsKey(oldestId))
+            {
+                ++oldestId;
+            }
+            return Take(oldestId);
         }
 
         /// <summary>Fails requests whose deadline has passed.</summary>

@@ -116,8 +116,8 @@ namespace Zarvik.Orvella
 
         /// <summary>
         /// Disposes all browsers, gives all textures back, unregisters from the native library, and waits up to a second
-        /// for calls of its threads that are under way. Nothing may draw a browser's texture any more. Main thread; does nothing
-        /// when not started. <see cref="Start"/> may follow.
+        /// per function for calls of its threads that are under way. Nothing may draw a browser's texture any more. Main
+        /// thread; does nothing when not started. <see cref="Start"/> may follow.
         /// </summary>
         public static void Shutdown()
         {

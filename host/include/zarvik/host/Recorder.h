@@ -40,7 +40,10 @@ class Recorder {
 
     void add(Record record);
 
-    /// How many records there are: the place from which to look for what comes next.
+    /// From now on only the newest ones are kept; otherwise all are.
+    void keepNewest(std::size_t count);
+
+    /// How many records there have been: the place from which to look for what comes next.
     std::size_t position() const;
     std::vector<Record> since(std::size_t position) const;
     std::vector<Record> all() const { return since(0); }
@@ -50,7 +53,7 @@ class Recorder {
     std::optional<Record> waitFor(const Predicate& matches, std::size_t from = 0,
                                   std::chrono::milliseconds timeout = defaultTimeout) const;
 
-    /// Waits until the records as a whole satisfy the predicate. False after the timeout.
+    /// Waits until the kept records as a whole satisfy the predicate. False after the timeout.
     bool waitUntil(const std::function<bool(const std::deque<Record>&)>& satisfied,
                    std::chrono::milliseconds timeout = defaultTimeout) const;
 
@@ -62,6 +65,8 @@ class Recorder {
     mutable std::mutex mutex;
     mutable std::condition_variable added;
     std::deque<Record> records;
+    std::size_t forgotten = 0;  // records that are no longer kept
+    std::optional<std::size_t> most;
     std::function<void(const Record&)> observer;
 };
 

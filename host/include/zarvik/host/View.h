@@ -49,9 +49,19 @@ class View {
     /// Waits for the end of the load that was started last with the functions above.
     LoadResult waitForLoad(std::chrono::milliseconds timeout = Recorder::defaultTimeout) const;
 
+    /// A script that was started, and by which its result is known.
+    struct Evaluation {
+        std::string prefix;
+        std::size_t from = 0;
+    };
+    Evaluation evaluation(const std::string& script) const;
     /// The script's result as text; nothing after the timeout.
-    std::optional<std::string> evaluate(const std::string& script,
+    std::optional<std::string> resultOf(const Evaluation& evaluation,
                                         std::chrono::milliseconds timeout = Recorder::defaultTimeout) const;
+    std::optional<std::string> evaluate(const std::string& script,
+                                        std::chrono::milliseconds timeout = Recorder::defaultTimeout) const {
+        return resultOf(evaluation(script), timeout);
+    }
 
     /// The next host message of this view with this method at or after a position of the recorder.
     std::optional<Record> waitForMessage(const std::string& method, std::size_t from = 0,
