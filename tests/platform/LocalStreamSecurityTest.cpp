@@ -26,17 +26,19 @@ class LocalStreamSecurityTest : public LocalStreamTest {
 
     /// Navigates, whatever the page that is there may be about to do.
     static void arrive(WebView const& view, std::function<void()> const& navigate, std::string const& url) {
-        auto const arrived = std::make_shared<bool>(false);
+        auto const arrived = std::make_shared<std::atomic<bool>>(false);
         onUIThread([&] {
             view.NavigationCompleted(
                 [arrived, view = winrt::make_weak(view), url](auto const&, auto const& arguments) {
-                    *arrived = arguments.IsSuccess() && addressOf(view.get()) == url;
+                    if (arguments.IsSuccess() && addressOf(view.get()) == url) {
+                        *arrived = true;
+                    }
                 });
         });
         constexpr int attempts = 5;
         for (int i = 0; i < attempts && !*arrived; ++i) {
             onUIThread(navigate);
-            for (int wait = 0; wait < 200 && !onUIThread([&] { return *arrived; }); ++wait) {
+            for (int wait = 0; wait < 200 && !*arrived; ++wait) {
                 std::this_thread::sleep_for(5ms);
             }
         }
