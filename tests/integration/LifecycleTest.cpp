@@ -1,12 +1,15 @@
 // Creation, destruction and sizes that are none: whatever the order and the moment, nothing crashes, hangs or
 // stays behind, and the next view works.
 
-#include <malloc.h>
-
-#include <fstream>
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
 #include <thread>
 
 #include "support/EngineTest.h"
+#include "support/Memory.h"
+#include "support/Processes.h"
 #include "support/TestPages.h"
 
 namespace {
@@ -21,23 +24,33 @@ class LifecycleTest : public EngineTest {
         const auto expected = testPattern(64, 48);
         EXPECT_TRUE(waitForPixels(view, [&](const Image& image) { return image == expected; }));
     }
+};
 
-    static long residentKilobytes() {
-        malloc_trim(0);
-        std::ifstream status("/proc/self/status");
-        for (std::string line; std::getline(status, line);) {
-            if (line.starts_with("VmRSS:")) {
-                return std::stol(line.substr(6));
-            }
-        }
-        return 0;
+/// What the process holds.
+struct Holdings {
+    long memory = 0;  // bytes
+    long descriptors = 0;
+    long threads = 0;
+    long pages = 0;  // processes
+
+    static Holdings now() {
+        return {.memory = residentMemory(),
+                .descriptors = entriesOf("/proc/self/fd"),
+                .threads = entriesOf("/proc/self/task"),
+                .pages = static_cast<long>(pageProcesses().size())};
     }
 
-    static long openDescriptors() {
-        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+  private:
+    static long entriesOf(const char* folder) {
+        return std::distance(std::filesystem::directory_iterator(folder),
                              std::filesystem::directory_iterator());
     }
 };
+
+std::ostream& operator<<(std::ostream& stream, const Holdings& holdings) {
+    return stream << holdings.memory / 1024 << " kB, " << holdings.descriptors << " descriptors, "
+                  << holdings.threads << " threads, " << holdings.pages << " page processes";
+}
 
 }  // namespace
 
@@ -133,30 +146,64 @@ TEST_F(LifecycleTest, APageInAnEndlessLoopHoldsUpNobody) {
     expectNewViewWorks();
 }
 
+TEST_F(LifecycleTest, EightViewsAtOnce) {
+    std::vector<std::unique_ptr<View>> views;
+    const auto colour = [](int number) { return 20 + 25 * number; };
+    for (int i = 0; i < 8; ++i) {
+        views.push_back(std::make_unique<View>(engine, zarvik::host::Size{100 + i, 80}, i % 2 == 0));
+        views.back()->loadHtml(colourPage(colour(i), 10, 200));
+    }
+    const auto expectOwnColours = [&](int width) {
+        for (int i = 0; i < 8; ++i) {
+            if (const auto& view = views[static_cast<std::size_t>(i)]) {
+                EXPECT_TRUE(waitForPixels(*view, [&](const Image& image) {
+                    return image.width == width + i && isFilled(image, colour(i), 10, 200);
+                })) << i;
+            }
+        }
+    };
+    expectOwnColours(100);
+    for (int i = 0; i < 8; ++i) {
+        plugin().WebView_resize(views[static_cast<std::size_t>(i)]->handle(), 50 + i, 80);
+    }
+    expectOwnColours(50);
+    for (const std::size_t gone : {3U, 0U, 7U, 4U}) {
+        views[gone].reset();
+    }
+    expectOwnColours(50);
+}
+
 TEST_F(LifecycleTest, ManyCyclesLeaveNothingBehind) {
+    // ZARVIK_CYCLES=1000 for a long run.
+    const char* const chosen = std::getenv("ZARVIK_CYCLES");
+    const int cycles = chosen ? std::max(std::atoi(chosen), 40) : 100;
     constexpr int warmUp = 25;
-    constexpr int cycles = 100;
-    long memory = 0;
-    long descriptors = 0;
     const auto cycle = [&](int i) {
         View view(engine, {160, 120}, i % 2 == 0);
         loadHtml(view, colourPage(i % 256, 20, 30));
         EXPECT_TRUE(
             waitForPixels(view, [&](const Image& image) { return isFilled(image, i % 256, 20, 30); }));
     };
-    for (int i = 0; i < cycles; ++i) {
+    for (int i = 0; i < warmUp; ++i) {
         cycle(i);
-        if (i == warmUp) {
-            std::this_thread::sleep_for(500ms);
-            memory = residentKilobytes();
-            descriptors = openDescriptors();
+    }
+    const auto settled = [] {
+        std::this_thread::sleep_for(500ms);
+        return Holdings::now();
+    };
+    const auto before = settled();
+    for (int i = warmUp; i < cycles; ++i) {
+        cycle(i);
+        if (i % 100 == 0) {
+            std::cout << i << " cycles: " << Holdings::now() << "\n";
         }
     }
-    std::this_thread::sleep_for(500ms);
-    RecordProperty("memory_growth_kb", static_cast<int>(residentKilobytes() - memory));
-    std::cout << "Memory " << memory << " -> " << residentKilobytes() << " kB, descriptors " << descriptors
-              << " -> " << openDescriptors() << "\n";
-    EXPECT_LE(openDescriptors(), descriptors + 5);
+    const auto after = settled();
+    std::cout << "After " << warmUp << " cycles: " << before << "\nafter " << cycles << ": " << after << "\n";
+    EXPECT_LE(after.descriptors, before.descriptors + 5);
+    EXPECT_LE(after.threads, before.threads + 2);
+    EXPECT_LE(after.pages, before.pages);
+    EXPECT_EQ(engine.device().liveObjects(), zarvik::host::GLDevice::LiveObjects());
     // A view that stayed would cost more than this in pixels alone, were it only each tenth.
-    EXPECT_LT(residentKilobytes() - memory, 20'000);
+    EXPECT_LT(after.memory - before.memory, 20 << 20);
 }

@@ -2,9 +2,9 @@
 // on.
 
 #include <csignal>
-#include <fstream>
 
 #include "support/EngineTest.h"
+#include "support/Processes.h"
 #include "support/TestPages.h"
 #include "zarvik/host/ProcessTree.h"
 
@@ -15,20 +15,14 @@ using namespace std::chrono_literals;
 class RecoveryTest : public EngineTest {
   protected:
     /// The processes of pages that have begun since the test did.
-    std::vector<pid_t> pageProcesses() const {
-        std::vector<pid_t> found;
-        for (const auto& [process, time] : zarvik::host::processTreeTimes()) {
-            std::string name;
-            std::getline(std::ifstream("/proc/" + std::to_string(process) + "/comm"), name);
-            if (name == "WebKitWebProces" && !before.contains(process)) {
-                found.push_back(process);
-            }
-        }
+    std::vector<pid_t> newPageProcesses() const {
+        auto found = pageProcesses();
+        std::erase_if(found, [this](pid_t process) { return before.contains(process); });
         return found;
     }
 
     void killPage() {
-        const auto processes = pageProcesses();
+        const auto processes = newPageProcesses();
         ASSERT_EQ(processes.size(), 1U);
         ASSERT_EQ(kill(processes.front(), SIGKILL), 0);
     }
@@ -96,6 +90,6 @@ TEST_F(RecoveryTest, APageInAnEndlessLoopHoldsNobodyUp) {
         EXPECT_EQ(view.evaluate("document.title"), "page");
     }
     // Its process ends with the view.
-    EXPECT_TRUE(waitUntil([this] { return pageProcesses().size() == 1; })) << pageProcesses().size();
+    EXPECT_TRUE(waitUntil([this] { return newPageProcesses().size() == 1; })) << newPageProcesses().size();
     EXPECT_EQ(view.evaluate("document.title"), "page");
 }

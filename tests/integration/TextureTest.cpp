@@ -40,7 +40,7 @@ TEST_F(TextureTest, NothingLeaksAndNothingIsFreedTwiceOverResizeStorms) {
         ASSERT_TRUE(view.waitForUploads(1));
         std::mt19937 random(20);
         std::uniform_int_distribution<int> length(1, 500);
-        for (int i = 0; i < 200; ++i) {
+        for (int i = 0; i < 1000; ++i) {
             plugin().WebView_resize(view.handle(), length(random), length(random));
             if (i % 20 == 0) {
                 std::this_thread::sleep_for(20ms);  // so that some of the textures are announced

@@ -50,8 +50,8 @@ bool EngineTest::waitForError(const std::string& text, std::size_t position) {
         .has_value();
 }
 
-bool EngineTest::waitUntil(const std::function<bool()>& satisfied) {
-    const auto limit = std::chrono::steady_clock::now() + Recorder::defaultTimeout;
+bool waitUntil(const std::function<bool()>& satisfied) {
+    const auto limit = std::chrono::steady_clock::now() + zarvik::host::Recorder::defaultTimeout;
     while (!satisfied()) {
         if (std::chrono::steady_clock::now() >= limit) {
             return false;

@@ -2,12 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "support/TestServer.h"
 #include "zarvik/host/Engine.h"
 #include "zarvik/host/View.h"
+
+/// Asks again and again until it is true; false after a while.
+bool waitUntil(const std::function<bool()>& satisfied);
 
 /// A test against the library in an engine: what the engine sees is what is checked.
 class EngineTest : public testing::Test {
@@ -32,9 +36,6 @@ class EngineTest : public testing::Test {
     /// Loads and expects success.
     void load(View& view, const std::string& url);
     void loadHtml(View& view, const std::string& html);
-
-    /// Asks again and again until it is true; false after a while.
-    static bool waitUntil(const std::function<bool()>& satisfied);
 
     /// Waits until a script's result is the one expected.
     bool waitForResult(const View& view, const std::string& script, const std::string& expected);

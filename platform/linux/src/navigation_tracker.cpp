@@ -174,9 +174,11 @@ gboolean navigation_tracker::on_decide_policy(WebKitWebView*, WebKitPolicyDecisi
     return TRUE;
 }
 
-void navigation_tracker::on_terminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer data) {
+void navigation_tracker::on_terminated(WebKitWebView*, WebKitWebProcessTerminationReason reason,
+                                       gpointer data) {
     auto* const self = static_cast<navigation_tracker*>(data);
-    if (self->state != phase::none) {
+    bool const intended = reason == WEBKIT_WEB_PROCESS_TERMINATED_BY_API;  // the navigation goes on
+    if (self->state != phase::none && !intended) {
         self->complete(WebErrorStatus::Unknown);
     }
 }

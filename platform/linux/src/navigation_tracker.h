@@ -42,6 +42,9 @@ class navigation_tracker {
     /// engine reports nothing.
     void expect_move_within_document();
 
+    /// Whether our own side has begun a navigation that the engine has not taken up yet.
+    bool is_expecting() const { return state == phase::expected; }
+
     /// Ends the navigation under way, if any, as cancelled.
     void cancel();
 

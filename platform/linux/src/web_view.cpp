@@ -17,6 +17,9 @@ namespace {
 /// Surfaces have bounds: no side beyond what graphics devices take, and no more memory than a picture is
 /// worth.
 constexpr int largest_side = 16384;
+
+// A page that does nothing worse than much work on leaving gets this long.
+constexpr guint departure_patience_ms = 5000;
 constexpr int largest_area = 1 << 26;
 
 /// All live views, for settings of the whole process.
@@ -135,6 +138,7 @@ web_view_object::web_view_object() {
 }
 
 web_view_object::~web_view_object() {
+    end_wait_for_departure();
     live_views().erase(this);
     if (focused_view() == this) {
         focused_view() = nullptr;
@@ -172,7 +176,7 @@ void web_view_object::arrange() {
     gtk_widget_set_visible(widget.get(), visibility == winrt::Windows::UI::Xaml::Visibility::Visible);
 }
 
-void web_view_object::navigate(std::string const& uri, std::function<void()> const& load) {
+void web_view_object::navigate(std::string const& uri, std::function<void()> load) {
     if (!tracker->begin(uri)) {
         return;
     }
@@ -182,6 +186,34 @@ void web_view_object::navigate(std::string const& uri, std::function<void()> con
         tracker->expect_move_within_document();
     }
     load();
+    wait_for_departure(std::move(load));
+}
+
+void web_view_object::wait_for_departure(std::function<void()> load) {
+    end_wait_for_departure();
+    if (!webkit_web_view_get_uri(view())) {
+        return;  // a process that only just starts may take its time
+    }
+    load_again = std::move(load);
+    departure_timer = g_timeout_add_once(
+        departure_patience_ms,
+        [](gpointer data) {
+            auto* const self = static_cast<web_view_object*>(data);
+            self->departure_timer = 0;
+            auto const load = std::exchange(self->load_again, nullptr);
+            if (self->tracker->is_expecting()) {
+                webkit_web_view_terminate_web_process(self->view());
+                load();
+            }
+        },
+        this);
+}
+
+void web_view_object::end_wait_for_departure() {
+    load_again = nullptr;
+    if (auto const timer = std::exchange(departure_timer, 0)) {
+        g_source_remove(timer);
+    }
 }
 
 void web_view_object::stop() {
@@ -244,6 +276,7 @@ navigation_tracker::events web_view_object::tracker_events() {
         .completed =
             [this](auto error) {
                 objects->end_navigation();
+                end_wait_for_departure();
                 raise(navigation_completed, *this, std::make_shared<navigation_completed_arguments>(error));
             },
     };

@@ -23,7 +23,9 @@ struct web_view_object : ui_element_object {
 
     void arrange() override;
 
-    void navigate(std::string const& uri, std::function<void()> const& load);
+    /// A page that hangs does not leave when it is asked to. After some seconds its process is ended and
+    /// `load` called once more.
+    void navigate(std::string const& uri, std::function<void()> load);
     void stop();
     void request_picture(int32_t width, int32_t height, view_surface::receiver deliver);
 
@@ -50,12 +52,17 @@ struct web_view_object : ui_element_object {
     navigation_tracker::events tracker_events();
     bool raise_starting(std::string const& uri);
 
+    void wait_for_departure(std::function<void()> load);
+    void end_wait_for_departure();
+
     gobject_ptr<GtkWidget> widget;
     gobject_ptr<GtkWidget> offscreen_window;
     std::optional<view_surface> surface;
     std::optional<script_calls> calls;
     std::optional<web_allowed_objects> objects;
     std::optional<navigation_tracker> tracker;
+    std::function<void()> load_again;  // when the page has not left in time
+    guint departure_timer = 0;
     winrt::Windows::UI::Color background_color = winrt::Windows::UI::Colors::White();
 };
 

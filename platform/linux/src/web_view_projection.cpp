@@ -134,7 +134,7 @@ void WebView::Navigate(Foundation::Uri const& source) const {
         throw hresult_error(E_INVALIDARG, L"Local content needs a resolver.");
     }
     auto const uri = to_string(source.AbsoluteUri());
-    object.navigate(uri, [&] { webkit_web_view_load_uri(object.view(), uri.c_str()); });
+    object.navigate(uri, [&object, uri] { webkit_web_view_load_uri(object.view(), uri.c_str()); });
 }
 
 Foundation::Uri WebView::BuildLocalStreamUri(param::hstring const& contentIdentifier,
@@ -150,23 +150,24 @@ void WebView::NavigateToLocalStreamUri(Foundation::Uri const& source,
         throw hresult_error(E_INVALIDARG, L"A local address and its resolver are needed.");
     }
     auto const uri = to_string(source.AbsoluteUri());
-    object.navigate(uri, [&] {
-        runtime::serve_local_content(object.view(), to_string(source.Host()), streamResolver);
+    object.navigate(uri, [&object, uri, host = to_string(source.Host()), streamResolver] {
+        runtime::serve_local_content(object.view(), host, streamResolver);
         webkit_web_view_load_uri(object.view(), uri.c_str());
     });
 }
 
 void WebView::NavigateToString(param::hstring const& text) const {
     auto& object = object_of<web_view_object>(*this);
-    auto const html = to_string(text.value);
-    object.navigate("about:blank", [&] { webkit_web_view_load_html(object.view(), html.c_str(), nullptr); });
+    object.navigate("about:blank", [&object, html = to_string(text.value)] {
+        webkit_web_view_load_html(object.view(), html.c_str(), nullptr);
+    });
 }
 
 void WebView::NavigateWithHttpRequestMessage(Web::Http::HttpRequestMessage const& requestMessage) const {
     auto& object = object_of<web_view_object>(*this);
     auto const request = runtime::engine_request(requestMessage);
     object.navigate(webkit_uri_request_get_uri(request.get()),
-                    [&] { webkit_web_view_load_request(object.view(), request.get()); });
+                    [&object, request] { webkit_web_view_load_request(object.view(), request.get()); });
 }
 
 void WebView::GoBack() const {
@@ -180,7 +181,7 @@ void WebView::GoForward() const {
 void WebView::Refresh() const {
     auto& object = object_of<web_view_object>(*this);
     if (char const* const uri = webkit_web_view_get_uri(object.view())) {
-        object.navigate(uri, [&] { webkit_web_view_reload(object.view()); });
+        object.navigate(uri, [&object] { webkit_web_view_reload(object.view()); });
     }
 }
 

@@ -66,9 +66,11 @@ gboolean on_permission(WebKitWebView*, WebKitPermissionRequest* engine_request, 
     return TRUE;
 }
 
-void on_terminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer data) {
-    auto& owner = *static_cast<web_view_object*>(data);
-    raise(owner.separate_process_lost, owner, std::make_shared<plain_arguments>());
+void on_terminated(WebKitWebView*, WebKitWebProcessTerminationReason reason, gpointer data) {
+    if (reason != WEBKIT_WEB_PROCESS_TERMINATED_BY_API) {
+        auto& owner = *static_cast<web_view_object*>(data);
+        raise(owner.separate_process_lost, owner, std::make_shared<plain_arguments>());
+    }
 }
 
 gboolean on_dialog(WebKitWebView*, WebKitScriptDialog* dialog, gpointer) {

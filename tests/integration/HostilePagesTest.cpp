@@ -1,0 +1,201 @@
+// Pages that do their worst: the engine keeps its pace and its memory, other views go on, and so does the
+// view itself once it shows another page.
+
+#include <algorithm>
+#include <charconv>
+
+#include "support/EngineTest.h"
+#include "support/Memory.h"
+#include "support/TestPages.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+class HostilePagesTest : public EngineTest {
+  protected:
+    void SetUp() override { loadHtml(bystander, patternPage); }
+
+    /// Other views, the engine's turns and this view's next page are as if nothing had been.
+    void expectUnharmed() {
+        EXPECT_EQ(bystander.evaluate("1 + 1"), "2");
+        engine.takeTurn();
+        server.page("/good", patternPage);
+        load(view, server.url("/good"));
+        const auto expected = testPattern(64, 48);
+        EXPECT_TRUE(waitForPixels(view, [&](const Image& image) { return image == expected; }));
+        EXPECT_EQ(view.evaluate("1 + 1"), "2");
+        EXPECT_TRUE(waitForPixels(bystander, [&](const Image& image) { return image == expected; }));
+    }
+
+    View bystander{engine, {64, 48}};
+    View view{engine, {64, 48}};
+};
+
+struct Attack {
+    const char* name;
+    std::string page;
+};
+
+class HostileScriptsTest : public HostilePagesTest, public testing::WithParamInterface<Attack> {};
+
+// Each calls `attacking()` when it has begun, and never ends.
+const Attack attacks[] = {
+    {"Dialogs", "<script>attacking(); for (;;) { alert('a'); confirm('b'); prompt('c'); print(); }</script>"},
+    {"DialogOnLeaving",
+     "<script>onbeforeunload = (event) => { event.preventDefault(); return 'stay' };"
+     "onunload = () => { for (const end = Date.now() + 500; Date.now() < end;); }; attacking()</script>"},
+    {"Windows",
+     "<script>setInterval(() => { for (let i = 0; i < 20; i++) { open('/good'); open('about:blank', "
+     "'_blank'); "
+     "open('javascript:alert(1)') } }, 1); attacking()</script>"},
+    {"Downloads",
+     "<a id=link download=x href='data:application/octet-stream,x'></a>"
+     "<iframe id=frame></iframe><script>setInterval(() => { link.click(); frame.src = '/file' }, 5); "
+     "attacking()</script>"},
+    {"PermissionRequests",
+     "<script>setInterval(() => { navigator.geolocation.getCurrentPosition(() => {}, () => {});"
+     "navigator.mediaDevices?.getUserMedia({audio: true, video: true}).catch(() => {});"
+     "window.Notification?.requestPermission(); document.documentElement.requestPointerLock?.();"
+     "document.documentElement.requestFullscreen?.().catch(() => {}) }, 1); attacking()</script>"},
+    {"History",
+     "<script>setInterval(() => { for (let i = 0; i < 50; i++) { try { "
+     "history.pushState('x'.repeat(1000), '', '#' + Math.random()) } catch {} } "
+     "history.go(-1) }, 1); attacking()</script>"},
+    {"Navigations",
+     "<script>setInterval(() => { location = '/attack?' + Math.random() }, 10); attacking()</script>"},
+    {"FrameNavigations",
+     "<iframe id=frame></iframe><script>setInterval(() => { frame.src = '/attack?' + Math.random() }, 10); "
+     "attacking()</script>"},
+    {"LargeDocument",
+     "<body><script>const add = () => { let html = ''; for (let i = 0; i < 20000; i++) { "
+     "html += '<div><b>' + i + '</b></div>' } document.body.insertAdjacentHTML('beforeend', html); "
+     "if (document.all.length < 400000) { setTimeout(add) } }; add(); attacking()</script>"},
+    {"LargeCanvases",
+     "<script>const kept = []; setInterval(() => { const canvas = document.createElement('canvas'); "
+     "canvas.width = 4000; canvas.height = 4000; canvas.getContext('2d')?.fillRect(0, 0, 4000, 4000); "
+     "if (kept.length < 8) { kept.push(canvas) } }, 20); attacking()</script>"},
+    {"Fonts",
+     "<body><script>setInterval(() => { const face = new FontFace('f' + Math.random(), "
+     "Uint8Array.from({length: 5000}, () => Math.random() * 256)); face.load().catch(() => {}); "
+     "document.fonts.add(face); document.body.style.font = Math.random() * 3000 + 'px f' }, 5); "
+     "attacking()</script>"},
+    {"DeepFrames",
+     "<body><script>let inner = document; for (let i = 0; i < 60; i++) { const frame = "
+     "inner.createElement('iframe'); inner.body.append(frame); inner = frame.contentDocument; "
+     "inner.body ?? inner.write('<body>') } attacking()</script>"},
+    {"FramesOfItself",
+     "<body><iframe src='/attack?a'></iframe><iframe src='/attack?b'></iframe><script>attacking()</script>"},
+    {"ServiceWorker",
+     "<script>navigator.serviceWorker?.register('/worker.js').then(() => { setInterval(() => fetch('/x'), 5) "
+     "}); "
+     "attacking()</script>"},
+    {"Workers",
+     "<script>const source = URL.createObjectURL(new Blob(['for (;;);'])); for (let i = 0; i < 8; i++) { "
+     "new Worker(source) } attacking()</script>"},
+    {"Recursion", "<script>attacking(); const f = () => { try { f() } finally { f() } }; f()</script>"},
+    {"Layout",
+     "<body><script>for (let i = 0; i < 3000; i++) { document.body.append(document.createElement('p')) }"
+     "attacking(); for (;;) { document.body.style.width = Math.random() * 60 + 'px'; document.body.offsetTop "
+     "}"
+     "</script>"},
+    {"Globals",
+     "<script>attacking(); for (const name of Object.getOwnPropertyNames(window)) { try { delete "
+     "window[name] } "
+     "catch {} try { Object.defineProperty(window, name, {get() { throw 1 }}) } catch {} }"
+     "Object.prototype.toJSON = Object.prototype.then = () => { for (;;); }</script>"},
+};
+
+}  // namespace
+
+TEST_P(HostileScriptsTest, HarmsOnlyItself) {
+    server.page("/attack", "<script>const attacking = () => { navigator.sendBeacon('/attacking') }</script>" +
+                               GetParam().page);
+    server.on("/worker.js", [](const auto&, auto& response) {
+        response.set_content(
+            "onfetch = (event) => event.respondWith(new Response('x')); setInterval(() => { "
+            "for (const end = Date.now() + 50; Date.now() < end;); }, 1)",
+            "text/javascript");
+    });
+    server.on("/file", [](const auto&, auto& response) {
+        response.set_header("Content-Disposition", "attachment; filename=x.bin");
+        response.set_content("x", "application/octet-stream");
+    });
+    view.loadUrl(server.url("/attack"));
+    ASSERT_TRUE(server.waitForRequest("/attacking"));
+    std::this_thread::sleep_for(500ms);
+    expectUnharmed();
+}
+
+INSTANTIATE_TEST_SUITE_P(Pages, HostileScriptsTest, testing::ValuesIn(attacks),
+                         [](const auto& information) { return std::string(information.param.name); });
+
+TEST_F(HostilePagesTest, AFloodOfMessagesKeepsItsOrderAndTheEngineItsMemory) {
+    // What the engine does with each message takes longer than the page needs to post it.
+    recorder().keepNewest(20);
+    std::atomic<int> received = 0;
+    std::atomic<int> misplaced = 0;
+    recorder().setObserver([&](const Record& record) {
+        if (record.target != view.target() || record.method != "HandleMessageEmitted" ||
+            !record.payload.starts_with("flood ")) {
+            return;
+        }
+        int number = -1;
+        std::from_chars(record.payload.data() + 6, record.payload.data() + record.payload.size(), number);
+        misplaced += number != received;
+        ++received;
+        std::this_thread::sleep_for(2ms);
+    });
+    loadHtml(view, R"(<script>
+        const megabyte = 'x'.repeat(1 << 20);
+        let posted = 0;
+        const flood = () => {
+            for (let i = 0; i < 20 && posted < 600; i++) {
+                zarvik.postMessage('flood ' + posted++ + ' ' + megabyte);
+            }
+            if (posted < 600) { setTimeout(flood) }
+        };
+        </script>)");
+    const long before = residentMemory();
+    plugin().WebView_executeJavaScript(view.handle(), "flood()", nullptr);
+    long most = 0;
+    EXPECT_TRUE(waitUntil([&] {
+        most = std::max(most, residentMemory());
+        EXPECT_EQ(bystander.evaluate("1 + 1"), "2");
+        return received == 600;
+    })) << received;
+    recorder().setObserver(nullptr);
+    EXPECT_EQ(misplaced, 0);
+    std::cout << "Memory " << before / 1024 << " kB, at most " << most / 1024 << " kB\n";
+    EXPECT_LT(most - before, 200 << 20) << "of 600 MB that were posted";
+    expectUnharmed();
+}
+
+TEST_F(HostilePagesTest, FramesAndOtherPagesCannotSpeakForThePage) {
+    // Whatever a frame of another origin finds in its world, no message of it arrives.
+    server.page("/frame", R"(<script>
+        const attempt = (send) => { try { send() } catch {} };
+        for (const target of [window, parent, top]) {
+            for (const name of ['zarvik', '_zarvikBridge', '_zarvikInternal', 'webkit']) {
+                attempt(() => target[name].postMessage('forged'));
+                attempt(() => target[name].bridge.postMessage('forged'));
+                attempt(() => Object.values(target[name].messageHandlers).forEach((h) => h.postMessage('1 0 0 forged')));
+            }
+            attempt(() => target.postMessage('forged', '*'));
+            attempt(() => target.postMessage({type: 'zarvik.webview.titleChanged', value: 'forged'}, '*'));
+        }
+        for (const name of ['object', 'navigation', 'scripts', 'answers']) {
+            attempt(() => webkit.messageHandlers[name].postMessage('1 0 0 forged'));
+        }
+        fetch('/tried');
+        </script>)");
+    server.page("/page", "<iframe src='" + server.otherOriginUrl("/frame") + "'></iframe>");
+    const auto from = recorder().position();
+    load(view, server.url("/page"));
+    ASSERT_TRUE(server.waitForRequest("/tried"));
+    EXPECT_EQ(view.evaluate("1 + 1"), "2");
+    for (const auto& record : recorder().since(from)) {
+        EXPECT_EQ(record.payload.find("forged"), std::string::npos) << record.method << " " << record.payload;
+    }
+    expectUnharmed();
+}
