@@ -39,9 +39,38 @@ constexpr char const* script_start = R"(((id, objects) => {
         });
         Object.defineProperty(window, name, {value: Object.freeze(object)});
     })`);
-    const handler = webkit.messageHandlers.object;
+    // What the other side has not taken yet stays here, in the page's own process.
+    const {object, delivered} = webkit.messageHandlers;
+    const portion = 1 << 18;
+    const mostPortions = 4;
+    let portions = 0;
+    let size = 0;
+    let waiting = [];
+    const send = (text) => {
+        object.postMessage(text);
+        size += text.length + 64;
+        if (size > portion) {
+            size = 0;
+            portions++;
+            delivered.postMessage('').then(() => {
+                portions--;
+                let sent = 0;
+                while (sent < waiting.length && portions < mostPortions) {
+                    send(waiting[sent++]);
+                }
+                waiting.splice(0, sent);
+            });
+        }
+    };
     objects.forEach(([name, methods], index) => {
-        define(name, methods, (method, text) => handler.postMessage(`${id} ${index} ${method} ${text.toWellFormed()}`));
+        define(name, methods, (method, value) => {
+            const text = `${id} ${index} ${method} ${value.toWellFormed()}`;
+            if (waiting.length === 0 && portions < mostPortions) {
+                send(text);
+            } else {
+                waiting.push(text);
+            }
+        });
     });
 })()";
 
@@ -73,7 +102,11 @@ uint64_t next_id() {
 
 web_allowed_objects::web_allowed_objects(WebKitWebView* view) : view(view) {
     webkit_user_content_manager_register_script_message_handler_in_world(manager(), handler, page_world);
+    webkit_user_content_manager_register_script_message_handler_with_reply(manager(), reply_handler,
+                                                                           page_world);
     g_signal_connect(manager(), "script-message-received::object", G_CALLBACK(on_message), this);
+    g_signal_connect(manager(), "script-message-with-reply-received::delivered", G_CALLBACK(on_question),
+                     nullptr);
     g_signal_connect(view, "load-changed", G_CALLBACK(on_load_changed), this);
 }
 
@@ -129,6 +162,15 @@ void web_allowed_objects::on_load_changed(WebKitWebView*, WebKitLoadEvent event,
 void web_allowed_objects::on_message(WebKitUserContentManager*, WebKitJavascriptResult* message,
                                      gpointer data) {
     static_cast<web_allowed_objects*>(data)->deliver(text_of(webkit_javascript_result_get_js_value(message)));
+}
+
+gboolean web_allowed_objects::on_question(WebKitUserContentManager*, JSCValue* question,
+                                          WebKitScriptMessageReply* reply, gpointer) {
+    // All messages that were sent before have been delivered.
+    auto const nothing =
+        gobject_ptr<JSCValue>::adopt(jsc_value_new_undefined(jsc_value_get_context(question)));
+    webkit_script_message_reply_return_value(reply, nothing.get());
+    return TRUE;
 }
 
 void web_allowed_objects::deliver(std::string_view message) {

@@ -38,6 +38,7 @@ class web_allowed_objects {
     void end_navigation();
 
     static constexpr char const* handler = "object";
+    static constexpr char const* reply_handler = "delivered";
 
   private:
     using object_list = std::vector<std::shared_ptr<page_object>>;
@@ -47,6 +48,8 @@ class web_allowed_objects {
     };
 
     static void on_load_changed(WebKitWebView*, WebKitLoadEvent event, gpointer self);
+    static gboolean on_question(WebKitUserContentManager*, JSCValue* question,
+                                WebKitScriptMessageReply* reply, gpointer);
     static void on_message(WebKitUserContentManager*, WebKitJavascriptResult* message, gpointer self);
 
     void deliver(std::string_view message);
