@@ -25,7 +25,9 @@ const std::vector<const char*> options{// The engine's collector stops threads w
                                        // program as a whole is checked when it ends.
                                        "-detect_leaks=0",
                                        // Room for the engine and the sanitizer.
-                                       "-rss_limit_mb=6144", "-malloc_limit_mb=4096"};
+                                       "-rss_limit_mb=6144", "-malloc_limit_mb=4096",
+                                       // Seconds: what takes longer hangs.
+                                       "-timeout=120"};
 
 }  // namespace
 
