@@ -7,10 +7,10 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 # Each target with the inputs that a short run tries: some seconds each, for the exports and what pages send more.
 declare -A short_runs=(
     [bitmap-sizes]=4000 [cookie-json]=2000 [header-lines]=20000 [pdf-urls]=400 [url-mapping]=1000
-    [page-messages]=600 [exports]=40
+    [agent-messages]=400 [page-messages]=400 [exports]=40
 )
 # Those that need a browser engine with pages run alone, the others two at a time.
-alone=(page-messages exports)
+alone=(agent-messages page-messages exports)
 all_targets=(bitmap-sizes cookie-json header-lines pdf-urls url-mapping "${alone[@]}")
 
 usage() {
