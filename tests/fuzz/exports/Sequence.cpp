@@ -97,7 +97,7 @@ class Decoder {
             case 240 ... 243:
                 return step(Step::Action::wait, {number(input.takeByte() % longestWait)});
             case 244 ... 247:
-                return step(Step::Action::waitForLoad, {takeView()});
+                return waitForLoad();
             case 248:
                 return step(Step::Action::failDevice, {number(input.takeByte() % 3)});
             case 249:
@@ -119,6 +119,14 @@ class Decoder {
 
     void step(Step::Action action, std::vector<Argument> arguments) {
         decoded.push_back({.action = action, .arguments = std::move(arguments)});
+    }
+
+    void waitForLoad() {
+        const Argument view = takeView();
+        constexpr int mostWaits = 6;
+        if (view.kind == Argument::Kind::view && ++waits <= mostWaits) {
+            step(Step::Action::waitForLoad, {view});
+        }
     }
 
     void call(const Export& function) {
@@ -249,6 +257,7 @@ class Decoder {
     int views = 0;
     Step::Where where = Step::Where::here;
     int left = 0;  // calls that are made there
+    int waits = 0;
     bool isLong = false;
 };
 

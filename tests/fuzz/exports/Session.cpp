@@ -162,13 +162,15 @@ void Session::callInCallback() {
 void Session::waitForLoad(int view) {
     const auto ended = [this, view] {
         const std::scoped_lock lock(mutex);
-        return view < mostViews ? views[static_cast<std::size_t>(view)].loadsEnded : 0;
+        const View& waitedFor = views[static_cast<std::size_t>(view)];
+        return waitedFor.handle ? waitedFor.loadsEnded : 1;
     };
-    const int before = ended();
     for (const auto limit = std::chrono::steady_clock::now() + shortPatience;
-         ended() == before && std::chrono::steady_clock::now() < limit;) {
+         ended() == 0 && std::chrono::steady_clock::now() < limit;) {
         std::this_thread::sleep_for(5ms);
     }
+    const std::scoped_lock lock(mutex);
+    views[static_cast<std::size_t>(view)].loadsEnded = 0;
 }
 
 void Session::failDevice(int what) {

@@ -61,7 +61,7 @@ class Session {
         bool destroyed = false;
         int navigationQuestions = 0;  // whether it can go back or forward
         int navigationAnswers = 0;
-        int loadsEnded = 0;
+        int loadsEnded = 0;  // that no one waited for yet
     };
     struct Question {
         int view = -1;  // that was there when it was asked; -1: none
