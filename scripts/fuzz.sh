@@ -137,9 +137,9 @@ minimize() {
     log="$root/build/fuzz/$sanitizer/$1/minimize.log"
     mkdir -p "$(dirname "$log")"
     rm -f "$smaller"
-    # Its own exit code only says that the input still fails.
-    "$(program "$1")" -minimize_crash=1 -max_total_time="$seconds" -exact_artifact_path="$smaller" "$minimize" \
-        >"$log" 2>&1 || true
+    # Each attempt has a bound, and so have all together. The exit code only says how they ended.
+    timeout "$seconds" "$(program "$1")" -minimize_crash=1 -max_total_time=60 -exact_artifact_path="$smaller" \
+        "$minimize" >"$log" 2>&1 || true
     [ -f "$smaller" ] || fail "it did not become smaller, or does not fail every time: see ${log#"$root/"}"
     say "$(stat -c %s "$minimize") bytes became $(stat -c %s "$smaller"): $smaller"
     [ "$1" != exports ] || print_sequence "$smaller"

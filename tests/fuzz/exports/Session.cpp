@@ -35,6 +35,7 @@ bool isUtf8(std::string_view text) {
 
 Session* Session::current = nullptr;
 thread_local Session::Lane Session::ownLane = Session::Lane::scripting;
+thread_local int Session::ownView = -1;
 
 Session::Session()
     : library(zarvik::host::Plugin::defaultPath()), renderFunction(plugin().WebView_getRenderFunction()) {
@@ -137,9 +138,15 @@ void Session::run(const Step& step, Lane lane) {
 }
 
 void Session::call(const Step& step, Lane lane) {
-    const auto outer = std::exchange(ownLane, lane);
+    const auto outerLane = std::exchange(ownLane, lane);
+    const int outerView = std::exchange(ownView, -1);
     step.function->call(*this, step);
-    ownLane = outer;
+    if (ownView >= 0 && step.function->name == "WebView_destroy") {
+        const std::scoped_lock lock(mutex);
+        views[static_cast<std::size_t>(ownView)].isGone = true;
+    }
+    ownLane = outerLane;
+    ownView = outerView;
 }
 
 /// Once for each callback, and not inside itself: what is called there may call back at once.
@@ -260,6 +267,12 @@ void Session::destroyViews() {
         }
     }
     plugin().WebView_removePointer(&something);
+    {
+        const std::scoped_lock lock(mutex);
+        for (View& view : views) {
+            view.isGone = true;
+        }
+    }
     // What was under way on the other threads is over when they have done something else.
     renderThread->takeTurn();
     std::free(plugin().WebView_getCookies(server.url("/").c_str(), nullptr));
@@ -332,6 +345,11 @@ void Session::onMessage(const char* target, const char* method, const char* payl
 }
 
 void Session::onScriptResult(std::string_view target, std::string_view payload) {
+    if (View* const view = viewOf(target); view && view->isGone) {
+        // One may have been on its way when the call came.
+        require(++view->lateAnswers <= 1, "a view that was destroyed answers no scripts",
+                std::string(target));
+    }
     const auto id = payload.substr(0, payload.find(','));
     const auto found = questions.find(id);
     require(found != questions.end(), "only what was asked is answered", std::string(payload.substr(0, 100)));
@@ -415,6 +433,7 @@ std::vector<Argument> Session::prepared(const Step& step) {
             hasOddText = hasOddText || !isUtf8(argument.text);
         }
     }
+    ownView = view;
     if (view >= 0) {
         View& asked = views[static_cast<std::size_t>(view)];
         asked.navigationQuestions += name.starts_with("WebView_canGo") ? 1 : 0;

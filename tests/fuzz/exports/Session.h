@@ -58,7 +58,9 @@ class Session {
     struct View {
         UwpWebView* handle = nullptr;
         std::string target;
-        bool destroyed = false;
+        bool destroyed = false;  // or just about to be
+        bool isGone = false;     // the call that destroys it has returned
+        int lateAnswers = 0;
         int navigationQuestions = 0;  // whether it can go back or forward
         int navigationAnswers = 0;
         int loadsEnded = 0;  // that no one waited for yet
@@ -93,7 +95,9 @@ class Session {
     bool comesTrue(const std::function<bool()>& condition);
 
     static Session* current;
+    // Of the thread's call.
     static thread_local Lane ownLane;
+    static thread_local int ownView;
 
     const zarvik::host::Plugin library;
     const ZarvikRenderFunction renderFunction;
