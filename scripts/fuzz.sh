@@ -6,8 +6,8 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 # Each target with the inputs that a short run tries: some seconds each, for the exports and what pages send more.
 declare -A short_runs=(
-    [bitmap-sizes]=4000 [cookie-json]=2000 [header-lines]=20000 [pdf-urls]=400 [url-mapping]=1000
-    [agent-messages]=400 [page-messages]=400 [exports]=40
+    [bitmap-sizes]=10000 [cookie-json]=2000 [header-lines]=20000 [pdf-urls]=400 [url-mapping]=1000
+    [agent-messages]=400 [page-messages]=400 [exports]=100
 )
 # Those that need a browser engine with pages run alone, the others two at a time.
 alone=(agent-messages page-messages exports)

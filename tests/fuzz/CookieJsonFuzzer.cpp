@@ -1,6 +1,7 @@
 // Cookies as JSON, into the browser engine's store and out again: what is said to be set is there as it was
 // given, and what is refused is logged.
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cmath>
@@ -107,7 +108,8 @@ void checkJson(const std::string& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // As C texts come: without a zero in them.
-    const std::string raw(std::string(reinterpret_cast<const char*>(data), size).c_str());
+    std::string raw(reinterpret_cast<const char*>(data), size);
+    raw.resize(std::min(raw.find('\0'), size));
     const std::string text = winrt::to_string(winrt::to_hstring(raw));  // what is no UTF-8 is replaced
     setLogFunctions(nullptr, nullptr, [](const char*) { ++errors; });
     checkJson(text);

@@ -50,7 +50,8 @@ void checkViewerPage(const std::string& url) {
     const auto unescaped = [](std::string_view text) {
         return foundation::Uri::UnescapeComponent(winrt::to_hstring(text));
     };
-    require(unescaped(inserted) == unescaped(url), "the URL means the same in the page",
+    const bool isText = winrt::to_string(winrt::to_hstring(url)) == url;
+    require(!isText || unescaped(inserted) == unescaped(url), "the URL means the same in the page",
             readable(url) + " as " + readable(inserted));
 }
 
