@@ -1,6 +1,9 @@
 #include "offscreen/Screenshots.h"
 
+#include <limits>
+
 #include "exports/HostChannel.h"
+#include "exports/LogTexts.h"
 #include "offscreen/LogTexts.h"
 #include "offscreen/PageRenderer.h"
 #include "offscreen/PixelCopy.h"
@@ -15,7 +18,10 @@ namespace {
 
 constexpr double dotsPerInch = 96.0;
 
-/// The size of a picture of the view; nothing, with an error line, if there is nothing to show.
+/// In bytes. What is more is not even begun.
+constexpr std::int64_t largestDataResult = std::numeric_limits<std::int32_t>::max();
+
+/// The size of a picture of the view; nothing, with an error line, if there is nothing to show or too much.
 struct PageSize {
     std::int32_t width = 0;
     std::int32_t height = 0;
@@ -30,6 +36,9 @@ PageSize pageSize(const UwpWebView& view, const char* textWithoutSize) {
     }
     if (!size) {
         logError(textWithoutSize);
+    } else if (std::int64_t{size.width} * size.height > largestDataResult / std::int64_t{bytesPerPixel}) {
+        logError(log_texts::dataResultTooLarge);
+        size = {};
     }
     return size;
 }

@@ -33,7 +33,8 @@ function runnable(command) {
         .replace("--script FILE", `--script ${script}`)
         .replace("--record FILE", `--record ${scratch}/recording --script ${script}`)
         .replace(/\bpackage$/, join(scratch, "package"))
-        .replace(/^(ctest .*)/, "$1 -R unit-tests");
+        .replace(/^(ctest .*)/, "$1 -R unit-tests")
+        .replace(/^(scripts\/fuzz\.sh).*/, "$1 --help");
 }
 
 const groups = /^ {2}([a-z]+) {2,}/gm;

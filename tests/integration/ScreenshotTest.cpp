@@ -93,3 +93,17 @@ TEST_F(ScreenshotTest, AViewWithoutASizeSaysSo) {
     EXPECT_FALSE(recorder().waitFor([](const Record& record) { return record.kind == Record::Kind::data; },
                                     from, std::chrono::milliseconds(200)));
 }
+
+TEST_F(ScreenshotTest, APictureTooLargeToBeDeliveredIsNotEvenBegun) {
+    View view(engine, {2'000'000'000, 300});
+    const auto from = recorder().position();
+    plugin().WebView_captureScreenshot(view.handle(), "large");
+    plugin().WebView_getRawTextureData(view.handle(), "large");
+    EXPECT_TRUE(recorder().waitUntil([from](const auto& records) {
+        return std::count_if(records.begin() + static_cast<std::ptrdiff_t>(from), records.end(),
+                             [](const Record& record) {
+                                 return record.payload.ends_with(
+                                     "Can't deliver a data result, because it is larger than 2 GB.");
+                             }) == 2;
+    }));
+}

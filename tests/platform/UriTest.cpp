@@ -56,6 +56,11 @@ TEST(UriTest, TellsItsParts) {
     EXPECT_EQ(file.Path(), L"/C:/data/a%20page.html");
     EXPECT_EQ(file.Query(), L"");
 
+    const Uri semicolons(L"http://a;b@c;d:8080/e;f");
+    EXPECT_EQ(semicolons.AbsoluteUri(), L"http://a;b@c;d:8080/e;f");
+    EXPECT_EQ(semicolons.Host(), L"c;d");
+    EXPECT_EQ(semicolons.Path(), L"/e;f");
+
     const Uri blank(L"about:blank?x#y");
     EXPECT_EQ(blank.Path(), L"blank");
     EXPECT_EQ(blank.Query(), L"?x");

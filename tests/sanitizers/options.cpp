@@ -2,6 +2,11 @@
 
 #include <cstdlib>
 
+// Options of a program's own: ":name=value".
+#ifndef ZARVIK_SANITIZER_OPTIONS
+#define ZARVIK_SANITIZER_OPTIONS ""
+#endif
+
 #define ZARVIK_SANITIZER_TEXT(function) \
     extern "C" __attribute__((used, visibility("default"))) const char* function()
 
@@ -30,7 +35,7 @@ ZARVIK_SANITIZER_TEXT(__lsan_default_suppressions) {
 // The system's libraries are not instrumented: their locks are invisible, so their own accesses prove
 // nothing.
 ZARVIK_SANITIZER_TEXT(__tsan_default_options) {
-    return "ignore_noninstrumented_modules=1:second_deadlock_stack=1";
+    return "ignore_noninstrumented_modules=1:second_deadlock_stack=1" ZARVIK_SANITIZER_OPTIONS;
 }
 
 // The browser engine's collector stops threads with signals. The sanitizer delivers a signal late, and one

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <ranges>
+#include <span>
 
 #include "glib_ptr.h"
 #include "implementation.h"
@@ -138,7 +139,19 @@ void complete_file_authority(std::string& rest) {
     }
 }
 
-guri_ptr parse_hierarchical(std::string const& text) {
+/// Stands for a semicolon of the host while a URI is parsed: to the parser it would begin the path.
+constexpr char semicolon = '\x01';
+
+guri_ptr parse_hierarchical(std::string const& scheme, std::string rest) {
+    size_t const authority_end = std::min(rest.find_first_of("/?#", 2), rest.size());
+    size_t const at = rest.substr(0, authority_end).rfind('@');
+    std::span const host(rest.begin() + static_cast<std::ptrdiff_t>(at == std::string::npos ? 0 : at),
+                         rest.begin() + static_cast<std::ptrdiff_t>(authority_end));
+    if (std::ranges::find(host, semicolon) != host.end()) {
+        refuse(L"The URI's host has a character that no host may have.");
+    }
+    std::ranges::replace(host, ';', semicolon);
+    std::string const text = scheme + ':' + rest;
     if (text.find('\0') != std::string_view::npos) {
         refuse(L"The URI has a NUL character.");
     }
@@ -155,7 +168,8 @@ guri_ptr parse_hierarchical(std::string const& text) {
 
 std::string host_of(GUri* uri) {
     char const* const parsed = g_uri_get_host(uri);
-    std::string const host = lower_case(parsed ? parsed : "");
+    std::string host = lower_case(parsed ? parsed : "");
+    std::ranges::replace(host, semicolon, ';');
     if (host.find(':') != std::string::npos && host.find('%') == std::string::npos) {
         return '[' + host + ']';  // an IPv6 address, which the parser has checked
     }
@@ -164,7 +178,7 @@ std::string host_of(GUri* uri) {
 
 /// A URI with an authority: `scheme://host/path`.
 void set_hierarchical(uri_object& object, std::string const& scheme, std::string const& rest) {
-    guri_ptr const uri = parse_hierarchical(scheme + ':' + rest);
+    guri_ptr const uri = parse_hierarchical(scheme, rest);
     int const defaultPort = default_port(scheme);
     bool const isNetwork = defaultPort != -1;
     std::string const host = host_of(uri.get());

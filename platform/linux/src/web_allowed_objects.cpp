@@ -1,9 +1,9 @@
 #include "web_allowed_objects.h"
 
 #include <algorithm>
-#include <charconv>
 #include <nlohmann/json.hpp>
 
+#include "page_message.h"
 #include "script_text.h"
 
 namespace runtime {
@@ -73,14 +73,6 @@ constexpr char const* script_start = R"(((id, objects) => {
         });
     });
 })()";
-
-/// Takes a number and the blank behind it off a text.
-uint64_t take_number(std::string_view& text) {
-    uint64_t number = 0;
-    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    text.remove_prefix(static_cast<size_t>(end - text.data()) + 1);
-    return number;
-}
 
 /// What a handler throws ends here: it must not unwind through the engine's C frames.
 void call_safely(page_object& object, size_t method, winrt::hstring const& text) noexcept {
@@ -174,16 +166,17 @@ gboolean web_allowed_objects::on_question(WebKitUserContentManager*, JSCValue* q
 }
 
 void web_allowed_objects::deliver(std::string_view message) {
-    auto const id = take_number(message);
-    auto const object = take_number(message);
-    auto const method = take_number(message);
-    auto const sender = std::ranges::find(documents, id, &document::id);
-    if (sender == documents.end()) {
+    auto const parsed = parse_page_message(message);
+    auto const sender =
+        parsed ? std::ranges::find(documents, parsed->document, &document::id) : documents.end();
+    if (sender == documents.end() || parsed->object >= sender->objects.size()) {
         return;
     }
     // A handler may navigate and so change the list.
-    auto const receiver = sender->objects[object];
-    call_safely(*receiver, method, winrt::to_hstring(message));
+    auto const receiver = sender->objects[parsed->object];
+    if (parsed->method < receiver->methods().size()) {
+        call_safely(*receiver, parsed->method, winrt::to_hstring(parsed->argument));
+    }
 }
 
 }  // namespace runtime

@@ -1,0 +1,571 @@
+#include "fuzz/exports/Session.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+
+#include "fuzz/support/Require.h"
+#include "support/Pdf.h"
+#include "zarvik/host/InterfaceRegistry.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr double turnsPerSecond = 100;
+
+/// How long something may take that has to come. What takes longer never comes, on a busy machine, too.
+constexpr auto patience = 40s;
+
+/// How long a sequence waits for a load to end, which it may never do.
+constexpr auto shortPatience = 400ms;
+
+/// Stands for a pointer that is none of the library's.
+int something = 0;
+
+bool isUtf8(std::string_view text) {
+    try {
+        return !nlohmann::json(text).dump().empty();
+    } catch (const nlohmann::json::type_error&) {
+        return false;
+    }
+}
+
+}  // namespace
+
+Session* Session::current = nullptr;
+thread_local Session::Lane Session::ownLane = Session::Lane::scripting;
+thread_local int Session::ownView = -1;
+
+Session::Session()
+    : library(zarvik::host::Plugin::defaultPath()), renderFunction(plugin().WebView_getRenderFunction()) {
+    require(!std::exchange(current, this), "there is one session");
+    server.page("/plain", "<title>plain</title><p>plain");
+    server.page("/moving",
+                "<style>@keyframes a { to { opacity: 0 } } p { animation: a 1s infinite }</style><p>moving");
+    server.page("/frames",
+                "<iframe src=/plain></iframe><iframe src='" + server.otherOriginUrl("/plain") + "'>");
+    const std::string document = makePdf(2);
+    const auto sendDocument = [document](const httplib::Request&, httplib::Response& response) {
+        response.set_content(document, "application/pdf");
+    };
+    server.on("/document.pdf", sendDocument);
+    const auto late = [](TestServer::Handler handler) -> TestServer::Handler {
+        return [handler = std::move(handler)](const httplib::Request& request, httplib::Response& response) {
+            std::this_thread::sleep_for(200ms);
+            handler(request, response);
+        };
+    };
+    server.on("/slow.pdf", late(sendDocument));
+    server.on("/slow", late([](const httplib::Request&, httplib::Response& response) {
+                  response.set_content("<!doctype html><p>slow", "text/html");
+              }));
+    server.on("/redirected",
+              [](const httplib::Request&, httplib::Response& response) { response.set_redirect("/plain"); });
+    server.on("/in-circles", [](const httplib::Request&, httplib::Response& response) {
+        response.set_redirect("/in-circles");
+    });
+    folder.write("page.html", "<!doctype html><title>local</title><p>local");
+    folder.write("document.pdf", document);
+
+    renderThread =
+        std::make_unique<zarvik::host::RenderThread>(context, turnsPerSecond, [this] { renderTurn(); });
+    zarvik::host::InterfaceRegistry::setDevice(device.device());
+    plugin().UnityPluginLoad(zarvik::host::InterfaceRegistry::interfaces());
+    registerCallbacks();
+}
+
+void Session::stop() {
+    renderThread.reset();
+}
+
+void Session::play(const std::vector<Step>& steps) {
+    {
+        const std::scoped_lock lock(mutex);
+        ++sequence;
+        views.assign(mostViews, {});
+        isOver = false;
+    }
+    std::vector<Step> aside;
+    std::vector<std::thread> threads;
+    const auto startAside = [&] {
+        if (!aside.empty()) {
+            threads.emplace_back([this, steps = std::exchange(aside, {})] {
+                for (const Step& step : steps) {
+                    run(step, Lane::other);
+                }
+            });
+        }
+    };
+    for (const Step& step : steps) {
+        if (step.where == Step::Where::onOtherThread) {
+            aside.push_back(step);
+            continue;
+        }
+        startAside();
+        if (step.where == Step::Where::inCallback) {
+            const std::scoped_lock lock(mutex);
+            forCallbacks.push_back(step);
+        } else {
+            run(step, Lane::scripting);
+        }
+    }
+    startAside();
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    end();
+}
+
+void Session::run(const Step& step, Lane lane) {
+    switch (step.action) {
+        case Step::Action::call:
+            return call(step, lane);
+        case Step::Action::turn:
+            return renderThread->takeTurn();
+        case Step::Action::render:
+            return renderThread->run(
+                [&] { renderFunction(static_cast<int>(step.arguments.front().number)); });
+        case Step::Action::wait:
+            return std::this_thread::sleep_for(std::chrono::milliseconds(step.arguments.front().number));
+        case Step::Action::waitForLoad:
+            return waitForLoad(static_cast<int>(step.arguments.front().number));
+        case Step::Action::failDevice:
+            return failDevice(static_cast<int>(step.arguments.front().number));
+        case Step::Action::mendDevice:
+            return device.setFaults({});
+    }
+}
+
+void Session::call(const Step& step, Lane lane) {
+    const auto outerLane = std::exchange(ownLane, lane);
+    const int outerView = std::exchange(ownView, -1);
+    step.function->call(*this, step);
+    if (ownView >= 0 && step.function->name == "WebView_destroy") {
+        const std::scoped_lock lock(mutex);
+        views[static_cast<std::size_t>(ownView)].isGone = true;
+    }
+    ownLane = outerLane;
+    ownView = outerView;
+}
+
+/// Once for each callback, and not inside itself: what is called there may call back at once.
+void Session::callInCallback() {
+    if (ownLane == Lane::callback) {
+        return;
+    }
+    Step next;
+    {
+        const std::scoped_lock lock(mutex);
+        if (forCallbacks.empty()) {
+            return;
+        }
+        next = std::move(forCallbacks.front());
+        forCallbacks.pop_front();
+    }
+    call(next, Lane::callback);
+}
+
+void Session::waitForLoad(int view) {
+    const auto ended = [this, view] {
+        const std::scoped_lock lock(mutex);
+        const View& waitedFor = views[static_cast<std::size_t>(view)];
+        return waitedFor.handle ? waitedFor.loadsEnded : 1;
+    };
+    for (const auto limit = std::chrono::steady_clock::now() + shortPatience;
+         ended() == 0 && std::chrono::steady_clock::now() < limit;) {
+        std::this_thread::sleep_for(5ms);
+    }
+    const std::scoped_lock lock(mutex);
+    views[static_cast<std::size_t>(view)].loadsEnded = 0;
+}
+
+void Session::failDevice(int what) {
+    constexpr auto removed = static_cast<HRESULT>(0x887A0005U);
+    zarvik::host::GLDevice::Faults faults;
+    if (what == 0) {
+        faults.map = [] { return removed; };
+    } else if (what == 1) {
+        faults.createTexture2D = [](const D3D11_TEXTURE2D_DESC&) { return removed; };
+    } else {
+        faults.createShaderResourceView = [] { return removed; };
+    }
+    device.setFaults(std::move(faults));
+}
+
+void Session::renderTurn() {
+    std::vector<std::int32_t> current;
+    {
+        const std::scoped_lock lock(mutex);
+        current = keys;
+    }
+    for (const auto key : current) {
+        renderFunction(key);
+    }
+    device.synchronize();
+}
+
+void Session::end() {
+    registerCallbacks();
+    device.setFaults({});
+    {
+        const std::scoped_lock lock(mutex);
+        forCallbacks.clear();
+    }
+    plugin().WebView_handleMixedRealityAppFocusChanged(true);
+    checkAnswers();
+    destroyViews();
+
+    plugin().WebView_setStorageEnabled(true);
+    plugin().WebView_setCameraAndMicrophoneEnabled(false);
+    plugin().WebView_setGeolocationEnabled(false);
+    plugin().WebView_globallySetUserAgentToMobile(false);
+    plugin().WebView_deleteCookies(server.url("/").c_str(), nullptr);
+}
+
+/// Views that are still there owe all their answers.
+void Session::checkAnswers() {
+    std::string missing;
+    const bool allCame = comesTrue([&] {
+        const std::scoped_lock lock(mutex);
+        missing.clear();
+        if (wasDeaf) {
+            return true;
+        }
+        for (const auto& [id, question] : questions) {
+            const bool isOwed = question.mustBeAnswered && question.view >= 0 &&
+                                !views[static_cast<std::size_t>(question.view)].destroyed;
+            if (isOwed && question.answers == 0) {
+                missing += " script " + id;
+            }
+        }
+        for (const View& view : views) {
+            if (view.handle && !view.destroyed && !view.target.empty() && !hasNoControl &&
+                view.navigationAnswers < view.navigationQuestions) {
+                missing += " history of " + view.target;
+            }
+        }
+        return missing.empty();
+    });
+    require(allCame, "what a view is asked is answered", missing);
+}
+
+void Session::destroyViews() {
+    std::vector<View> left;
+    {
+        const std::scoped_lock lock(mutex);
+        left = views;
+        keys.clear();
+    }
+    for (const View& view : left) {
+        if (view.handle) {
+            // Each of its keys is one.
+            for (int i = 0; i < static_cast<int>(left.size()); ++i) {
+                plugin().WebView_removePointer(view.handle);
+            }
+            plugin().WebView_destroy(view.handle);
+        }
+    }
+    plugin().WebView_removePointer(&something);
+    {
+        const std::scoped_lock lock(mutex);
+        for (View& view : views) {
+            view.isGone = true;
+        }
+    }
+    // What was under way on the other threads is over when they have done something else.
+    renderThread->takeTurn();
+    std::free(plugin().WebView_getCookies(server.url("/").c_str(), nullptr));
+    renderThread->takeTurn();
+    isOver = true;
+    for (void* texture = takeTexture(0); texture; texture = takeTexture(0)) {
+        plugin().WebView_destroyTexture(texture);
+    }
+    const bool allGone = comesTrue([this] {
+        renderThread->takeTurn();
+        return device.liveObjects() == zarvik::host::GLDevice::LiveObjects{};
+    });
+    const auto live = device.liveObjects();
+    require(allGone, "nothing of the textures stays",
+            std::to_string(live.textures) + " textures and " + std::to_string(live.shaderResourceViews) +
+                " views");
+    const std::scoped_lock lock(mutex);
+    questions.clear();
+    lastAnswers.clear();
+    wasDeaf = hasOddText = hasNoControl = false;
+}
+
+bool Session::comesTrue(const std::function<bool()>& condition) {
+    for (const auto limit = std::chrono::steady_clock::now() + patience;
+         std::chrono::steady_clock::now() < limit; std::this_thread::sleep_for(5ms)) {
+        if (condition()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void Session::registerCallbacks() {
+    plugin().UnityPluginLoad(zarvik::host::InterfaceRegistry::interfaces());
+    plugin().WebView_setSendMessageFunction(value<ZarvikSendMessageFunction>({.kind = Argument::Kind::own}));
+    plugin().WebView_setDataResultCallback(value<ZarvikDataResultCallback>({.kind = Argument::Kind::own}));
+    const auto line = value<ZarvikLogFunction>({.kind = Argument::Kind::own});
+    plugin().WebView_setLogFunctions(line, line, line);
+}
+
+// What the engine hears
+
+void Session::onMessage(const char* target, const char* method, const char* payload) {
+    {
+        const std::scoped_lock lock(mutex);
+        require(!(isOver && viewOf(target)), "a view that was destroyed is silent",
+                std::string(target) + " " + method + " " + payload);
+        require(hasOddText || isUtf8(payload), "a message is UTF-8", readable(payload));
+    }
+    const std::string_view name = method;
+    if (name == "HandleTextureChanged") {
+        onTexture(payload);
+    } else {
+        require(!renderThread->isCurrent(), "the render thread hears only of textures", std::string(name));
+        const std::scoped_lock lock(mutex);
+        View* const view = viewOf(target);
+        if (name == "HandleJavaScriptResult") {
+            onScriptResult(target, payload);
+        } else if (view && name.starts_with("HandleCanGo")) {
+            require(std::string_view(payload) == "true" || std::string_view(payload) == "false",
+                    "the history has a direction or not", payload);
+            ++view->navigationAnswers;
+            require(view->navigationAnswers <= view->navigationQuestions, "only what was asked is answered",
+                    target);
+        } else if (view && (name == "HandleLoadFinished" || name == "HandleLoadFailed")) {
+            ++view->loadsEnded;
+        }
+    }
+    callInCallback();
+}
+
+void Session::onScriptResult(std::string_view target, std::string_view payload) {
+    if (View* const view = viewOf(target); view && view->isGone) {
+        // One may have been on its way when the call came.
+        require(++view->lateAnswers <= 1, "a view that was destroyed answers no scripts",
+                std::string(target));
+    }
+    const auto id = payload.substr(0, payload.find(','));
+    const auto found = questions.find(id);
+    require(found != questions.end(), "only what was asked is answered", std::string(payload.substr(0, 100)));
+    Question& question = found->second;
+    require(++question.answers == 1, "a script is answered once", std::string(payload.substr(0, 100)));
+    if (question.lane != Lane::callback) {
+        const auto number = std::stoll(std::string(id.substr(id.find('.') + 1)));
+        auto& last = lastAnswers.try_emplace({std::string(target), question.lane}, -1).first->second;
+        require(number > last, "scripts are answered in their order",
+                std::to_string(number) + " after " + std::to_string(last));
+        last = number;
+    }
+}
+
+void Session::onTexture(const char* payload) {
+    require(renderThread->isCurrent(), "a texture is announced on the render thread");
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the library sends the address as text
+    auto* const texture = reinterpret_cast<void*>(std::stoull(payload));
+    const std::scoped_lock lock(mutex);
+    require(texture && std::ranges::find(textures, texture) == textures.end(), "a texture is announced once",
+            payload);
+    textures.push_back(texture);
+}
+
+void Session::onData(const char* target, const char* id, std::span<const std::uint8_t> bytes) {
+    {
+        const std::scoped_lock lock(mutex);
+        require(!(isOver && viewOf(target)), "a view that was destroyed is silent",
+                std::string(target) + " " + id);
+        require(!bytes.empty(), "a picture is not empty", id);
+        if (*id != '\0') {
+            const auto found = questions.find(id);
+            require(found != questions.end(), "only what was asked is answered", id);
+            require(++found->second.answers == 1, "a picture is given once", id);
+        }
+    }
+    callInCallback();
+}
+
+void Session::onLine(const char* line) {
+    const std::string_view text = line;
+    const auto blank = text.find(' ');
+    require(blank != std::string_view::npos && blank > 0 &&
+                std::ranges::all_of(text.substr(0, blank),
+                                    [](char digit) { return digit >= '0' && digit <= '9'; }),
+            "a line begins with its time", std::string(text.substr(0, 100)));
+    {
+        const std::scoped_lock lock(mutex);
+        hasNoControl =
+            hasNoControl || text.find("the native webview couldn't be created") != std::string_view::npos;
+    }
+    callInCallback();
+}
+
+Session::View* Session::viewOf(std::string_view target) {
+    const auto found = std::ranges::find(views, target, &View::target);
+    return target.empty() || found == views.end() ? nullptr : &*found;
+}
+
+// What the engine says
+
+std::vector<Argument> Session::prepared(const Step& step) {
+    const std::scoped_lock lock(mutex);
+    std::vector<Argument> arguments = step.arguments;
+    const std::string& name = step.function->name;
+    for (Argument& argument : arguments) {
+        if (argument.kind == Argument::Kind::view) {
+            argument.pointer = views[static_cast<std::size_t>(argument.number)].handle;
+        }
+    }
+    const int view = arguments.empty() ? -1 : liveView(arguments.front().pointer);
+    for (Argument& argument : arguments) {
+        if (argument.kind == Argument::Kind::targetName) {
+            argument.text = "view" + std::to_string(sequence) + "." + std::to_string(argument.number);
+        } else if (argument.kind == Argument::Kind::callbackId) {
+            argument.text = std::to_string(sequence) + "." + std::to_string(argument.number);
+            questions[argument.text] = {
+                .view = view, .lane = ownLane, .mustBeAnswered = name == "WebView_executeJavaScript"};
+        } else if (argument.kind == Argument::Kind::text) {
+            argument.text = expanded(argument.text);
+            hasOddText = hasOddText || !isUtf8(argument.text);
+        }
+    }
+    ownView = view;
+    if (view >= 0) {
+        View& asked = views[static_cast<std::size_t>(view)];
+        asked.navigationQuestions += name.starts_with("WebView_canGo") ? 1 : 0;
+        asked.destroyed = asked.destroyed || name == "WebView_destroy";
+    }
+    if (step.view >= 0) {
+        const Argument& target = arguments.front();
+        views[static_cast<std::size_t>(step.view)].target =
+            target.kind == Argument::Kind::targetName ? target.text : "";
+    }
+    const bool isDeafening =
+        name == "WebView_setSendMessageFunction" || name == "WebView_setDataResultCallback";
+    wasDeaf = wasDeaf || (isDeafening && arguments.front().kind == Argument::Kind::null);
+    return arguments;
+}
+
+/// The live view with this handle, which may have been that of an earlier one.
+int Session::liveView(const void* handle) const {
+    const auto found = std::ranges::find_if(
+        views, [handle](const View& view) { return handle && view.handle == handle && !view.destroyed; });
+    return found == views.end() ? -1 : static_cast<int>(found - views.begin());
+}
+
+std::string Session::expanded(std::string text) const {
+    const auto replace = [&text](std::string_view name, const std::string& value) {
+        for (auto at = text.find(name); at != std::string::npos; at = text.find(name, at + value.size())) {
+            text.replace(at, name.size(), value);
+        }
+    };
+    replace("$SERVER", server.url(""));
+    replace("$FOLDER", folder.path.string());
+    return text;
+}
+
+void* Session::takeTexture(std::size_t index) {
+    const std::scoped_lock lock(mutex);
+    if (textures.empty()) {
+        return nullptr;
+    }
+    const auto taken = textures.begin() + static_cast<std::ptrdiff_t>(index % textures.size());
+    void* const texture = *taken;
+    textures.erase(taken);
+    return texture;
+}
+
+void Session::keep(const Step& step, UwpWebView* made) {
+    require(made, "a view is made", step.text());
+    const std::scoped_lock lock(mutex);
+    views[static_cast<std::size_t>(step.view)].handle = made;
+}
+
+void Session::keep(const Step& step, char* cookies) {
+    require(cookies && nlohmann::json::parse(cookies, nullptr, false).is_object(), "cookies are JSON",
+            step.text());
+    std::free(cookies);
+}
+
+void Session::keep(const Step& step, std::int32_t key) {
+    require(key >= 0, "a key is given", step.text());
+    const std::scoped_lock lock(mutex);
+    keys.push_back(key);
+}
+
+void Session::keep(const Step&, ZarvikBool) {}
+
+void Session::keep(const Step& step, ZarvikRenderFunction function) {
+    require(function == renderFunction, "there is one render function", step.text());
+}
+
+template <>
+const char* Session::value(const Argument& argument) {
+    return argument.kind == Argument::Kind::null ? nullptr : argument.text.c_str();
+}
+
+template <>
+std::int32_t Session::value(const Argument& argument) {
+    return static_cast<std::int32_t>(argument.number);
+}
+
+template <>
+ZarvikBool Session::value(const Argument& argument) {
+    return static_cast<ZarvikBool>(argument.number);
+}
+
+template <>
+UwpWebView* Session::value(const Argument& argument) {
+    return static_cast<UwpWebView*>(value<void*>(argument));
+}
+
+template <>
+void* Session::value(const Argument& argument) {
+    switch (argument.kind) {
+        case Argument::Kind::view:
+            return argument.pointer;
+        case Argument::Kind::texture:
+            return takeTexture(static_cast<std::size_t>(argument.number));
+        case Argument::Kind::address:
+            return &something;
+        default:
+            return nullptr;
+    }
+}
+
+template <>
+IUnityInterfaces* Session::value(const Argument& argument) {
+    return argument.kind == Argument::Kind::own ? zarvik::host::InterfaceRegistry::interfaces() : nullptr;
+}
+
+template <>
+ZarvikSendMessageFunction Session::value(const Argument& argument) {
+    if (argument.kind != Argument::Kind::own) {
+        return nullptr;
+    }
+    return [](const char* target, const char* method, const char* payload) {
+        current->onMessage(target, method, payload);
+    };
+}
+
+template <>
+ZarvikDataResultCallback Session::value(const Argument& argument) {
+    if (argument.kind != Argument::Kind::own) {
+        return nullptr;
+    }
+    return [](const char* target, const char* id, const std::uint8_t* bytes, std::int32_t length) {
+        current->onData(target, id, {bytes, static_cast<std::size_t>(length)});
+    };
+}
+
+template <>
+ZarvikLogFunction Session::value(const Argument& argument) {
+    if (argument.kind != Argument::Kind::own) {
+        return nullptr;
+    }
+    return [](const char* line) { current->onLine(line); };
+}
