@@ -29,16 +29,18 @@ template <typename Start>
 void loadWith(winrt::Windows::UI::Xaml::Controls::WebView const& view, Start start) {
     auto const loaded = std::make_shared<std::promise<std::optional<int>>>();
     auto ending = loaded->get_future();
-    runtime::ui_thread::instance().invoke([&] {
-        view.NavigationCompleted([loaded, done = false](auto const&, auto const& arguments) mutable {
-            if (!std::exchange(done, true)) {
-                loaded->set_value(arguments.IsSuccess()
-                                      ? std::nullopt
-                                      : std::optional(static_cast<int>(arguments.WebErrorStatus())));
-            }
-        });
-        start();
-    });
+    runtime::ui_thread::instance().invoke(
+        [&] {
+            view.NavigationCompleted([loaded, done = false](auto const&, auto const& arguments) mutable {
+                if (!std::exchange(done, true)) {
+                    loaded->set_value(arguments.IsSuccess()
+                                          ? std::nullopt
+                                          : std::optional(static_cast<int>(arguments.WebErrorStatus())));
+                }
+            });
+            start();
+        },
+        patience);
     ASSERT_EQ(ending.wait_for(patience), std::future_status::ready) << "the load does not end";
     ASSERT_EQ(ending.get(), std::nullopt) << "the load fails";
 }

@@ -32,7 +32,7 @@ class PageTest : public testing::Test {
 
     template <typename Function>
     static auto onUIThread(Function function) {
-        return runtime::ui_thread::instance().invoke(std::move(function));
+        return runtime::ui_thread::instance().invoke(std::move(function), std::chrono::minutes(1));
     }
 
     /// Whether the condition, asked on the user-interface thread, comes true within some seconds.

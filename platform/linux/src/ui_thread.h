@@ -42,9 +42,9 @@ class ui_thread {
     bool wait_for(std::function<void(std::function<void()> finished)> start, std::chrono::milliseconds bound);
 
     /// Runs a function on the user-interface thread and returns its result or throws its exception; E_FAIL
-    /// and a text when the thread does not get to it in time. Any thread.
+    /// and a text when the thread does not get to it within `bound`. Any thread.
     template <typename Function>
-    auto invoke(Function function) {
+    auto invoke(Function function, std::chrono::milliseconds bound = patience) {
         using result_type = std::invoke_result_t<Function&>;
         if (is_current()) {
             return function();
@@ -69,7 +69,7 @@ class ui_thread {
                 }
                 done();
             },
-            patience);
+            bound);
         if (!finished) {
             throw winrt::hresult_error(RPC_E_TIMEOUT, L"The user-interface thread did not answer in time.");
         }
