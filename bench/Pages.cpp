@@ -11,6 +11,9 @@ std::string document(const std::string& head, const std::string& body) {
            head + "</style></head><body>" + body + "</body></html>";
 }
 
+constexpr const char* evaluator =
+    "<script>function evaluate(text) { return String(eval(text)); }</script>";
+
 }  // namespace
 
 std::string elementsPage() {
@@ -64,17 +67,18 @@ std::string stillPage() {
 }
 
 std::string scriptPage() {
-    return document("", "<script>function evaluate(text) { return String(eval(text)); }</script>");
+    return document("", evaluator);
 }
 
-std::string inputPage() {
+std::string blockPage() {
     return document(
         "#block{position:absolute;left:160px;top:160px;width:400px;height:400px;background:#c03060}",
-        R"html(<div id="block"></div><script>
-var block = document.getElementById('block'), colours = ['#c03060', '#30a060'], presses = 0;
-block.addEventListener('pointerdown', function () {
-    block.style.background = colours[++presses % colours.length];
-});
+        std::string(evaluator) + R"html(<div id="block"></div><script>
+var block = document.getElementById('block'), colours = ['#c03060', '#30a060'], changes = 0;
+function change() {
+    block.style.background = colours[++changes % colours.length];
+}
+block.addEventListener('pointerdown', change);
 </script>)html");
 }
 

@@ -58,7 +58,7 @@ double median(Subject& subject, int pages) {
         subject.show(stillPage());
         subject.watch(pagePoint);
         const auto begin = Subject::Clock::now();
-        subject.load(document.url());
+        subject.loadUrl(document.url());
         times.push_back(Milliseconds(subject.waitForColour(red) - begin).count());
     }
     return quantile(times, 0.5);
