@@ -57,7 +57,8 @@ class BareView {
     std::uint64_t pictures() const { return count; }
     Clock::time_point lastPicture() const { return last; }
     Pixel pixel(Point point) const {
-        const auto* const first = &pixels.at(std::size_t{4} * size.width * point.y + std::size_t{4} * point.x);
+        const auto* const first =
+            &pixels.at(std::size_t{4} * size.width * point.y + std::size_t{4} * point.x);
         return {first[0], first[1], first[2], first[3]};
     }
 

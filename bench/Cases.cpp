@@ -18,7 +18,8 @@ constexpr std::array sizes{hd, Size{.width = 1920, .height = 1080}, Size{.width 
 constexpr std::array viewCounts{1, 2, 4, 8};
 
 /// Measured by a short run too.
-const std::set<std::string> quick{"start", "still", "elements", "canvas", "scripts", "script-to-pixel", "input"};
+const std::set<std::string> quick{"start",   "still",           "elements", "canvas",
+                                  "scripts", "script-to-pixel", "input"};
 
 /// "canvas", "canvas-4K", "canvas-4x1080p".
 std::string nameFor(const std::string& base, Size size, int views = 1) {

@@ -46,7 +46,8 @@ struct Page {
         if (point.x >= size.width || point.y >= size.height) {
             return {};
         }
-        const auto* const first = &pixels.at((std::size_t{4} * size.width * point.y) + std::size_t{4} * point.x);
+        const auto* const first =
+            &pixels.at((std::size_t{4} * size.width * point.y) + std::size_t{4} * point.x);
         return {first[0], first[1], first[2], first[3]};
     }
 };
@@ -86,8 +87,8 @@ class ChromiumSubject final : public Subject {
 
     void runPosting(const std::string& script) override {
         browser.send(first().session, "Runtime.evaluate",
-                     {{"expression", std::string("{ const post = (text) => ") + binding + "(text); " + script +
-                                         " }"}});
+                     {{"expression",
+                       std::string("{ const post = (text) => ") + binding + "(text); " + script + " }"}});
     }
     void waitForMessages(std::uint64_t count) override { messages.waitFor(count); }
 
@@ -122,12 +123,12 @@ class ChromiumSubject final : public Subject {
 void ChromiumSubject::open(int count) {
     while (pages.size() < static_cast<std::size_t>(count)) {
         // A window of its own, since of several tabs only one is drawn.
-        const auto target =
-            browser.call({}, "Target.createTarget",
-                         {{"url", "about:blank"}, {"width", size.width}, {"height", size.height}, {"newWindow", true}});
+        const auto target = browser.call(
+            {}, "Target.createTarget",
+            {{"url", "about:blank"}, {"width", size.width}, {"height", size.height}, {"newWindow", true}});
         auto page = std::make_unique<Page>();
-        page->session = browser.call(
-            {}, "Target.attachToTarget", {{"targetId", target["targetId"]}, {"flatten", true}})["sessionId"];
+        page->session = browser.call({}, "Target.attachToTarget",
+                                     {{"targetId", target["targetId"]}, {"flatten", true}})["sessionId"];
         const auto session = page->session;
         {
             const std::scoped_lock lock(pagesMutex);
@@ -136,10 +137,12 @@ void ChromiumSubject::open(int count) {
         browser.call(session, "Page.enable");
         browser.call(session, "Runtime.enable");
         browser.call(session, "Runtime.addBinding", {{"name", binding}});
-        browser.call(session, "Emulation.setDeviceMetricsOverride",
-                     {{"width", size.width}, {"height", size.height}, {"deviceScaleFactor", 1}, {"mobile", false}});
-        browser.call(session, "Page.startScreencast",
-                     {{"format", "jpeg"}, {"quality", 80}, {"maxWidth", size.width}, {"maxHeight", size.height}});
+        browser.call(
+            session, "Emulation.setDeviceMetricsOverride",
+            {{"width", size.width}, {"height", size.height}, {"deviceScaleFactor", 1}, {"mobile", false}});
+        browser.call(
+            session, "Page.startScreencast",
+            {{"format", "jpeg"}, {"quality", 80}, {"maxWidth", size.width}, {"maxHeight", size.height}});
     }
 }
 

@@ -24,10 +24,14 @@ using Rounds = std::map<Side, std::vector<Figures>>;
 
 const char* titleOf(Side side) {
     switch (side) {
-        case Side::library: return "library";
-        case Side::bare: return "bare";
-        case Side::chromium: return "Chromium";
-        case Side::qt: return "Qt WebEngine";
+        case Side::library:
+            return "library";
+        case Side::bare:
+            return "bare";
+        case Side::chromium:
+            return "Chromium";
+        case Side::qt:
+            return "Qt WebEngine";
     }
     return "";
 }
@@ -140,8 +144,10 @@ void print(const Line& line, const Rounds& rounds, const std::vector<Side>& side
 
 void compareSides(const std::vector<const Case*>& compared, const std::vector<Side>& sides, int rounds,
                   const Settings& settings) {
-    std::printf("Medians (least-greatest) of %d rounds, windows of %g s. Ratio: the library's figure by the other's.\n\n",
-                rounds, settings.seconds);
+    std::printf(
+        "Medians (least-greatest) of %d rounds, windows of %g s. Ratio: the library's figure by the "
+        "other's.\n\n",
+        rounds, settings.seconds);
     printHead(sides);
     int number = 0;
     for (const auto* each : compared) {

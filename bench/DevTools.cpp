@@ -150,7 +150,8 @@ DevTools::Json DevTools::call(const std::string& session, const std::string& met
     // Shared with a reply that comes after the waiting has ended.
     auto promise = std::make_shared<std::promise<Json>>();
     auto reply = promise->get_future();
-    send(session, method, std::move(parameters), [promise](Json& text) { promise->set_value(std::move(text)); });
+    send(session, method, std::move(parameters),
+         [promise](Json& text) { promise->set_value(std::move(text)); });
     if (reply.wait_for(patience) != std::future_status::ready) {
         throw std::runtime_error("Chromium does not answer " + method + ".");
     }

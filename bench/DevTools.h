@@ -14,14 +14,15 @@
 
 namespace zarvik::bench {
 
-/// A Chromium of our own without a window, with a profile of its own, that is driven over a pair of pipes with
-/// its debugging protocol. It ends with this object.
+/// A Chromium of our own without a window, with a profile of its own, that is driven over a pair of pipes
+/// with its debugging protocol. It ends with this object.
 class DevTools {
   public:
     using Json = nlohmann::json;
 
     /// Called with each event, in order, on the thread that reads.
-    using Listener = std::function<void(const std::string& session, const std::string& method, Json& parameters)>;
+    using Listener =
+        std::function<void(const std::string& session, const std::string& method, Json& parameters)>;
     /// Called with the reply on the same thread.
     using Reply = std::function<void(Json& reply)>;
 
@@ -31,8 +32,8 @@ class DevTools {
     DevTools(const DevTools&) = delete;
     DevTools& operator=(const DevTools&) = delete;
 
-    /// Sends a command to a page's session, or with an empty one to the browser, and waits for the result. Not
-    /// on the thread that reads. Throws std::runtime_error with the protocol's message if it fails.
+    /// Sends a command to a page's session, or with an empty one to the browser, and waits for the result.
+    /// Not on the thread that reads. Throws std::runtime_error with the protocol's message if it fails.
     Json call(const std::string& session, const std::string& method, Json parameters = Json::object());
 
     /// The same without waiting. Any thread. Goes nowhere once the browser has ended.

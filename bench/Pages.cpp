@@ -11,8 +11,7 @@ std::string document(const std::string& head, const std::string& body) {
            head + "</style></head><body>" + body + "</body></html>";
 }
 
-constexpr const char* evaluator =
-    "<script>function evaluate(text) { return String(eval(text)); }</script>";
+constexpr const char* evaluator = "<script>function evaluate(text) { return String(eval(text)); }</script>";
 
 }  // namespace
 

@@ -73,7 +73,8 @@ std::string describeEnd(int status) {
                                        : "its process died of signal " + std::to_string(WTERMSIG(status));
 }
 
-/// Beside this one. GTK and Qt each want the event loop for themselves, so Qt's side has a program of its own.
+/// Beside this one. GTK and Qt each want the event loop for themselves, so Qt's side has a program of its
+/// own.
 std::string programOf(Side side) {
     const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
     return folder / (side == Side::qt ? "zarvik-bench-qt" : "zarvik-bench");
@@ -100,10 +101,14 @@ void stayOnOneProcessor() {
 
 const char* nameOf(Side side) {
     switch (side) {
-        case Side::library: return "library";
-        case Side::bare: return "bare";
-        case Side::chromium: return "chromium";
-        case Side::qt: return "qt";
+        case Side::library:
+            return "library";
+        case Side::bare:
+            return "bare";
+        case Side::chromium:
+            return "chromium";
+        case Side::qt:
+            return "qt";
     }
     throw std::invalid_argument("There is no such side.");
 }
@@ -120,9 +125,12 @@ std::optional<std::string> findChromium() {
 
 bool available(Side side) {
     switch (side) {
-        case Side::chromium: return findChromium().has_value();
-        case Side::qt: return access(programOf(side).c_str(), X_OK) == 0;
-        default: return true;
+        case Side::chromium:
+            return findChromium().has_value();
+        case Side::qt:
+            return access(programOf(side).c_str(), X_OK) == 0;
+        default:
+            return true;
     }
 }
 
@@ -155,8 +163,8 @@ std::optional<Figures> measureInProcess(Side side, const Case& measured, const S
     }
     const int status = run(programOf(side), arguments, output.get(), complaints.get());
     if (status != 0) {
-        throw std::runtime_error(measured.name + ", side " + nameOf(side) + ": " + describeEnd(status) + "\n" +
-                                 contentsOf(complaints.get()));
+        throw std::runtime_error(measured.name + ", side " + nameOf(side) + ": " + describeEnd(status) +
+                                 "\n" + contentsOf(complaints.get()));
     }
     auto figures = figuresFrom(contentsOf(output.get()));
     return figures.empty() ? std::nullopt : std::optional(std::move(figures));

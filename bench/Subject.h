@@ -29,7 +29,7 @@ struct Point {
 
 /// How a side is brought up.
 struct Setup {
-    Size size{};  // of each view
+    Size size{};                 // of each view
     double turnsPerSecond = 60;  // of the engine's render thread, where there is one
 };
 

@@ -36,9 +36,10 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_option("case", options.names, "What to compare; otherwise all of the cases below")
         ->check(CLI::IsMember(names))
         ->option_text("...");
-    auto* const seconds = app.add_option("--seconds", options.settings.seconds, "Length of each measured window")
-                              ->check(CLI::Range(1.0, 600.0))
-                              ->capture_default_str();
+    auto* const seconds =
+        app.add_option("--seconds", options.settings.seconds, "Length of each measured window")
+            ->check(CLI::Range(1.0, 600.0))
+            ->capture_default_str();
     app.add_option("--rate", options.settings.rate,
                    "Turns per second of the engine's render thread, instead of each case's own")
         ->check(CLI::Range(1.0, 1000.0));
@@ -103,8 +104,10 @@ std::vector<Side> chosenSides(const Options& options) {
 int main(int argc, char** argv) try {
     Options options;
     CLI::App app(
-        "Compares the library in an engine with the bare browser engine, and with other browsers that can draw "
-        "into memory: frames and processor time, scripts, messages, input and memory, with the same pages and "
+        "Compares the library in an engine with the bare browser engine, and with other browsers that can "
+        "draw "
+        "into memory: frames and processor time, scripts, messages, input and memory, with the same pages "
+        "and "
         "each side in a process of its own.",
         "zarvik-bench");
     addOptions(app, options);
