@@ -111,6 +111,9 @@ class BareSubject final : public Subject {
     }
     void show(const std::string& html) override {
         load(html);
+        for (const auto& view : views) {
+            runUntil([&] { return !webkit_web_view_is_loading(view->webView()); });
+        }
         run(warmUp);
     }
     void run(std::chrono::duration<double> time) override;

@@ -22,9 +22,7 @@ using Json = DevTools::Json;
 /// What a binding of the page is called, through which it sends messages.
 constexpr const char* binding = "benchPost";
 
-struct Free {
-    void operator()(guchar* bytes) const { g_free(bytes); }
-};
+constexpr std::chrono::milliseconds pollInterval{20};
 
 std::string dataUrl(const std::string& html) {
     const std::unique_ptr<gchar, decltype(&g_free)> text(
@@ -148,6 +146,13 @@ void ChromiumSubject::open(int count) {
 
 void ChromiumSubject::show(const std::string& html) {
     load(html);
+    for (const auto& page : pages) {
+        const Json loaded{
+            {"expression", "location.protocol === 'data:' && document.readyState === 'complete'"}};
+        while (browser.call(page->session, "Runtime.evaluate", loaded)["result"]["value"] != true) {
+            run(pollInterval);
+        }
+    }
     run(warmUp);
 }
 

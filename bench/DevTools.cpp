@@ -50,8 +50,9 @@ std::array<int, 2> makePipe() {
 std::vector<std::string> argumentsFor(const std::string& program, const std::string& profile) {
     std::vector<std::string> arguments{
         program, "--headless", "--remote-debugging-pipe", "--user-data-dir=" + profile, "--disable-gpu",
-        "--hide-scrollbars", "--mute-audio", "--no-first-run", "--disable-background-networking",
-        "--disable-component-update", "--disable-sync", "--disable-extensions", "--disable-default-apps",
+        "--disable-software-rasterizer", "--hide-scrollbars", "--mute-audio", "--no-first-run",
+        "--disable-background-networking", "--disable-component-update", "--disable-sync",
+        "--disable-extensions", "--disable-default-apps",
         // All views are looked at, though Chromium sees no window.
         "--disable-renderer-backgrounding", "--disable-background-timer-throttling",
         "--disable-backgrounding-occluded-windows"};
@@ -85,7 +86,7 @@ DevTools::~DevTools() {
 void DevTools::start() {
     const auto program = findChromium();
     if (!program) {
-        throw std::runtime_error("There is no Chromium: the command 'chromium' is missing.");
+        throw std::runtime_error("There is no Chromium: the command 'chromium-headless-shell' is missing.");
     }
     const auto commands = makePipe();
     const auto answers = makePipe();

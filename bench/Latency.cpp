@@ -44,7 +44,7 @@ Figures measureInput(Subject& subject, const Settings&) {
         [&](std::size_t) { subject.releasePointer(blockPoint); });
 }
 
-Figures measureScripts(Subject& subject, const Settings&) {
+Figures measureScriptToPixel(Subject& subject, const Settings&) {
     return measureChanges(
         subject, [&](std::size_t i) { subject.evaluate(i, "change(), " + std::to_string(i)); },
         [&](std::size_t i) { subject.waitForResults(i + 1); });
@@ -83,7 +83,7 @@ Case scriptToPixelCase(Size size, const std::string& name) {
     return {.name = name,
             .title = "script call to changed pixel, " + nameOf(size),
             .lines = lines({}),
-            .measure = measureScripts,
+            .measure = measureScriptToPixel,
             .size = size};
 }
 

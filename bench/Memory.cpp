@@ -11,7 +11,7 @@ constexpr int furtherViews = 4;
 /// What the library may take for a view: two pictures, and this besides.
 constexpr double megabytesBesidePictures = 5;
 
-Figures measure(Subject& subject, const Settings&) {
+Figures measureMemory(Subject& subject, const Settings&) {
     // A page that moves, since one at rest would leave memory untouched that others need.
     subject.show(elementsPage());
     const auto one = MemoryUse::now(subject.drawsOnDisplay());
@@ -33,7 +33,7 @@ Case memoryCase(Size size, const std::string& name) {
                        {"bare + " + std::to_string(static_cast<int>(allowed)),
                         [allowed](double library, double bare) { return library <= bare + allowed; }}},
                       {"tree", "of all processes, MB", "%.0f"}},
-            .measure = measure,
+            .measure = measureMemory,
             .size = size};
 }
 

@@ -50,7 +50,7 @@ function frame() {
         context.fillRect((i * 97 + count * 3) % canvas.width, (i * 53 + count) % canvas.height, 60, 24);
     }
     context.fillStyle = '#204870';
-    context.fillRect(0, 0, 8, 8);
+    context.fillRect(0, 0, 32, 32);
     requestAnimationFrame(frame);
 }
 frame();

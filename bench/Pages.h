@@ -8,7 +8,7 @@
 namespace zarvik::bench {
 
 /// The upper left pixel of the three pages below, so that a side which shows something else cannot be
-/// measured by mistake.
+/// measured by mistake. What is around it has the same colour, so that a lossy picture has it too.
 inline constexpr Pixel cornerPixel{0x70, 0x48, 0x20, 0xff};
 
 /// Elements that move, turn, fade and change their colour all over the page.

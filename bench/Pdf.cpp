@@ -64,7 +64,7 @@ double median(Subject& subject, int pages) {
     return quantile(times, 0.5);
 }
 
-Figures measure(Subject& subject, const Settings&) {
+Figures measurePdf(Subject& subject, const Settings&) {
     return {{"few", median(subject, 3)}, {"many", median(subject, 300)}};
 }
 
@@ -74,7 +74,7 @@ Case pdfCase() {
     return {.name = "pdf",
             .title = "PDF document on disk, until the first page is seen",
             .lines = {{"few", "3 pages, ms", "%.0f"}, {"many", "300 pages, ms", "%.0f"}},
-            .measure = measure};
+            .measure = measurePdf};
 }
 
 }  // namespace zarvik::bench

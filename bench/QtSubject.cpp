@@ -163,6 +163,9 @@ class QtSubject final : public Subject {
     }
     void show(const std::string& html) override {
         load(html);
+        for (const auto& view : views) {
+            runUntil([&] { return !view->webView().property("loading").toBool(); });
+        }
         run(warmUp);
     }
     void run(std::chrono::duration<double> time) override {

@@ -25,7 +25,9 @@ packages=(
 )
 case "${1:-}" in
     windows) packages+=(wine wine64 wine64-tools libgl1) ;;
-    bench) packages+=(qt6-webengine-dev qml6-module-qtwebengine qml6-module-qtqml-workerscript) ;;
+    bench) packages+=(
+        chromium-headless-shell:chromium-headless-shell
+        qt6-webengine-dev qml6-module-qtwebengine qml6-module-qtqml-workerscript) ;;
 esac
 
 missing_packages() {
