@@ -11,7 +11,7 @@
 namespace zarvik::bench {
 
 struct Settings {
-    double seconds = 3;  // of each measured window
+    double seconds = 2;  // of each measured window
     std::optional<double>
         rate{};  // turns of the engine's render thread per second, instead of the case's own
 };

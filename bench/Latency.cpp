@@ -10,7 +10,7 @@ namespace {
 
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-constexpr int changes = 150;
+constexpr int changes = 100;
 constexpr double fastTurnsPerSecond = 1000;
 
 /// Between two changes. Their length varies over several frames, so that they meet every phase of the

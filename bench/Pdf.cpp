@@ -16,7 +16,7 @@ namespace {
 
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-constexpr int loads = 5;
+constexpr int loads = 3;
 
 /// Within the red part of the first page, which viewers put into the middle.
 constexpr Point pagePoint{640, 600};

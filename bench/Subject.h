@@ -89,7 +89,7 @@ class Subject {
 
   protected:
     /// How long show() lets a page run.
-    static constexpr std::chrono::milliseconds warmUp{1500};
+    static constexpr std::chrono::milliseconds warmUp{1000};
 
   private:
     const Clock::time_point begun;
