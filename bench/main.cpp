@@ -36,10 +36,9 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_option("case", options.names, "What to compare; otherwise all of the cases below")
         ->check(CLI::IsMember(names))
         ->option_text("...");
-    auto* const seconds =
-        app.add_option("--seconds", options.settings.seconds, "Length of each measured window")
-            ->check(CLI::Range(1.0, 600.0))
-            ->capture_default_str();
+    app.add_option("--seconds", options.settings.seconds, "Length of each measured window")
+        ->check(CLI::Range(1.0, 600.0))
+        ->capture_default_str();
     app.add_option("--rate", options.settings.rate,
                    "Turns per second of the engine's render thread, instead of each case's own")
         ->check(CLI::Range(1.0, 1000.0));
