@@ -24,9 +24,9 @@ struct Target {
 
 /// A line of the table: a figure of every side.
 struct Line {
-    const char* figure;
-    const char* title;
-    const char* format;
+    const char* figure = "";
+    const char* title = "";
+    const char* format = "";
     Target target{};
 };
 

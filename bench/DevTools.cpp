@@ -119,9 +119,7 @@ void DevTools::start() {
 
 void DevTools::end() {
     if (process != 0) {
-        if (reader.joinable()) {
-            send({}, "Browser.close", Json::object());
-        }
+        // It ends when nobody can command it any more.
         {
             const std::scoped_lock lock(mutex);
             closed = true;
