@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -44,19 +45,35 @@ void showProgress(const std::string& text) {
     }
 }
 
+/// Tries twice: a browser may end a process of its own just then, whose processor time is lost.
+std::optional<Figures> measurePatiently(Side side, const Case& measured, const Settings& settings) {
+    try {
+        return measureInProcess(side, measured, settings);
+    } catch (const std::runtime_error& error) {
+        std::fprintf(stderr, "\n%s\nOnce more ...\n", error.what());
+    }
+    return measureInProcess(side, measured, settings);
+}
+
+/// Adds to the failures what could not be measured.
 Rounds measure(const Case& measured, const std::vector<Side>& sides, int rounds, const Settings& settings,
-               const std::string& place) {
+               const std::string& place, std::string& failures) {
     Rounds result;
     std::vector<Side> serving = sides;
     for (int round = 1; round <= rounds; ++round) {
         for (const Side side : std::vector(serving)) {
             showProgress(place + " " + measured.name + ", round " + std::to_string(round) + " of " +
                          std::to_string(rounds) + ", " + nameOf(side));
-            if (auto figures = measureInProcess(side, measured, settings)) {
-                result[side].push_back(std::move(*figures));
-            } else {
-                std::erase(serving, side);
+            try {
+                if (auto figures = measurePatiently(side, measured, settings)) {
+                    result[side].push_back(std::move(*figures));
+                    continue;
+                }
+            } catch (const std::runtime_error& error) {
+                failures += std::string("\n") + error.what();
+                result.erase(side);
             }
+            std::erase(serving, side);
         }
     }
     showProgress("");
@@ -149,10 +166,11 @@ void compareSides(const std::vector<const Case*>& compared, const std::vector<Si
         "other's.\n\n",
         rounds, settings.seconds);
     printHead(sides);
+    std::string failures;
     int number = 0;
     for (const auto* each : compared) {
         const auto place = "[" + std::to_string(++number) + "/" + std::to_string(compared.size()) + "]";
-        const Rounds measured = measure(*each, sides, rounds, settings, place);
+        const Rounds measured = measure(*each, sides, rounds, settings, place, failures);
         std::string row = "| **" + each->title + "** |";
         for (std::size_t i = 0; i < 2 * sides.size(); ++i) {
             row += " |";
@@ -162,6 +180,9 @@ void compareSides(const std::vector<const Case*>& compared, const std::vector<Si
             print(line, measured, sides);
         }
         std::fflush(stdout);
+    }
+    if (!failures.empty()) {
+        throw std::runtime_error("Some of it could not be measured." + failures);
     }
 }
 

@@ -30,8 +30,10 @@ Figures measureFrames(Subject& subject, const std::string& html, int views, cons
                     {"rate", measured.frames / measured.seconds / views},
                     {"tree", percent(measured.treeTime)},
                     {"own", percent(measured.ownTime)},
-                    {"ownWithoutTurns", percent(measured.ownTime - measured.renderThreadTime)},
-                    {"memory", MemoryUse::now(subject.drawsOnDisplay()).tree / views}};
+                    {"ownWithoutTurns", percent(measured.ownTime - measured.renderThreadTime)}};
+    if (const auto memory = MemoryUse::now(subject.drawsOnDisplay())) {
+        figures["memory"] = memory->tree / views;
+    }
     if (measured.frames > 0) {
         const auto perFrame = [&](double time) { return 1e3 * time / measured.frames; };
         figures["cost"] = perFrame(measured.treeTime);

@@ -9,8 +9,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
-#include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -31,6 +29,9 @@ pid_t findDisplayServer() {
     sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
     std::snprintf(address.sun_path, sizeof(address.sun_path), "/tmp/.X11-unix/X%d", std::atoi(display + 1));
     const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (connection < 0) {
+        return 0;
+    }
     ucred peer{};
     socklen_t length = sizeof(peer);
     const bool known =
@@ -46,7 +47,7 @@ pid_t displayServer() {
 }
 
 /// Of the lines of that kind: "Pss" is all, "Pss_Anon" what the process allocated for itself.
-double megabytesOf(pid_t process, std::string_view kind) {
+std::optional<double> megabytesOf(pid_t process, std::string_view kind) {
     std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
     std::string word;
     while (file >> word) {
@@ -56,7 +57,7 @@ double megabytesOf(pid_t process, std::string_view kind) {
             return kilobytes * 1.024e-3;
         }
     }
-    throw std::runtime_error("A process does not let its memory be seen.");
+    return std::nullopt;
 }
 
 }  // namespace
@@ -80,15 +81,20 @@ Measurement Measurement::between(const Reading& begin, const Reading& end) {
             .renderThreadTime = secondsIn(end.renderThread - begin.renderThread)};
 }
 
-MemoryUse MemoryUse::now(bool withDisplayServer) {
-    MemoryUse use;
-    for (const auto& [process, time] : host::processTreeTimes()) {
-        use.tree += megabytesOf(process, "Pss");
-    }
-    use.own = megabytesOf(getpid(), "Pss_Anon") + megabytesOf(getpid(), "Pss_Shmem");
+std::optional<MemoryUse> MemoryUse::now(bool withDisplayServer) {
+    auto processes = host::processTreeTimes();
     if (withDisplayServer && displayServer() != 0) {
-        use.tree += megabytesOf(displayServer(), "Pss");
+        processes.merge(host::processTreeTimes(displayServer()));
     }
+    MemoryUse use;
+    for (const auto& [process, time] : processes) {
+        const auto megabytes = megabytesOf(process, "Pss");
+        if (!megabytes) {
+            return std::nullopt;
+        }
+        use.tree += *megabytes;
+    }
+    use.own = megabytesOf(getpid(), "Pss_Anon").value() + megabytesOf(getpid(), "Pss_Shmem").value();
     return use;
 }
 

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 
 #include "zarvik/host/ProcessTree.h"
 
@@ -36,8 +37,8 @@ struct MemoryUse {
     double tree = 0;  // of this process and its descendants
     double own = 0;   // of this process, without the files that it has mapped: programs and libraries
 
-    /// Throws std::runtime_error where a process does not let its memory be seen.
-    static MemoryUse now(bool withDisplayServer);
+    /// Nothing if a process does not let its memory be seen: some browsers' do not, but to root.
+    static std::optional<MemoryUse> now(bool withDisplayServer);
 };
 
 /// When this process was started, to a hundredth of a second.

@@ -18,7 +18,10 @@ Figures measureMemory(Subject& subject, const Settings&) {
     subject.open(1 + furtherViews);
     subject.show(elementsPage());
     const auto all = MemoryUse::now(subject.drawsOnDisplay());
-    return {{"own", (all.own - one.own) / furtherViews}, {"tree", (all.tree - one.tree) / furtherViews}};
+    if (!one || !all) {
+        throw NotServed("Its memory cannot be seen.");
+    }
+    return {{"own", (all->own - one->own) / furtherViews}, {"tree", (all->tree - one->tree) / furtherViews}};
 }
 
 }  // namespace

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "Arrivals.h"
+#include "QtReceiver.h"
 #include "Side.h"
 
 namespace zarvik::bench {
@@ -41,20 +42,6 @@ WebEngineView {
 }
 )qml";
 
-/// Takes the results of scripts.
-class Receiver : public QObject {
-    Q_OBJECT
-
-  public:
-    explicit Receiver(Arrivals& results) : results(results) {}
-
-  public slots:
-    void add(const QString& result) { results.add(result.toStdString()); }
-
-  private:
-    Arrivals& results;
-};
-
 /// Qt's settings have to be made before its application.
 std::unique_ptr<QGuiApplication> makeApplication() {
     static int count = 1;
@@ -68,6 +55,14 @@ std::unique_ptr<QGuiApplication> makeApplication() {
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QtWebEngineQuick::initialize();
     return std::make_unique<QGuiApplication>(count, arguments.data());
+}
+
+QQuickItem* makeItem(QQmlComponent& component) {
+    auto* const item = qobject_cast<QQuickItem*>(component.create());
+    if (!item) {
+        throw std::runtime_error("Qt WebEngine cannot be used. " + component.errorString().toStdString());
+    }
+    return item;
 }
 
 /// A scene with nothing but a web view, drawn into a picture whenever something in it has changed.
@@ -98,21 +93,19 @@ class QtView : public QObject {
     QImage picture;
     QQuickRenderControl control;
     QQuickWindow window;
-    QQuickItem* item = nullptr;
+    QQuickItem* const item;
     QTimer due;
     std::uint64_t count = 0;
     Clock::time_point last;
 };
 
 QtView::QtView(QQmlComponent& component, Size size)
-    : picture(size.width, size.height, QImage::Format_ARGB32_Premultiplied), window(&control) {
+    : picture(size.width, size.height, QImage::Format_ARGB32_Premultiplied),
+      window(&control),
+      item(makeItem(component)) {
     window.setGeometry(0, 0, size.width, size.height);
     window.contentItem()->setSize(QSizeF(size.width, size.height));
     window.setRenderTarget(QQuickRenderTarget::fromPaintDevice(&picture));
-    item = qobject_cast<QQuickItem*>(component.create());
-    if (!item) {
-        throw std::runtime_error("Qt WebEngine cannot be used. " + component.errorString().toStdString());
-    }
     item->setParentItem(window.contentItem());
     item->setSize(QSizeF(size.width, size.height));
     // Several changes make one drawing.
@@ -219,7 +212,7 @@ class QtSubject final : public Subject {
     Scenes& scenes;  // for ever
     std::vector<std::unique_ptr<QtView>>& views = scenes.views;
     Arrivals results;
-    Receiver receiver;
+    QtReceiver receiver;
     Point watched;
 };
 
@@ -237,5 +230,3 @@ std::unique_ptr<Subject> makeSubject(Side side, const Setup& setup) {
 }
 
 }  // namespace zarvik::bench
-
-#include "QtSubject.moc"
