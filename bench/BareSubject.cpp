@@ -11,8 +11,7 @@ namespace zarvik::bench {
 
 namespace {
 
-/// The page's start is not measured.
-constexpr std::chrono::milliseconds warmUp{2000};
+using Clock = Subject::Clock;
 
 struct Release {
     void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
@@ -30,43 +29,100 @@ Owned<char> textOf(JSCValue* value) {
 }
 
 GtkWidget* makeWindow() {
-    gtk_disable_setlocale();  // numbers are written as C++ writes them
-    if (!gtk_init_check(nullptr, nullptr)) {
-        throw std::runtime_error("GTK cannot open a display. Is DISPLAY set?");
-    }
     auto* const window = gtk_offscreen_window_new();
     gtk_widget_set_visual(window, gdk_screen_get_rgba_visual(gtk_widget_get_screen(window)));
     gtk_widget_set_app_paintable(window, TRUE);
     return window;
 }
 
-WebKitWebView* makeView() {
+WebKitWebView* makeView(Size size) {
     auto* const context = webkit_web_context_new_ephemeral();
     auto* const view = WEBKIT_WEB_VIEW(webkit_web_view_new_with_context(context));
     g_object_unref(context);
     webkit_settings_set_hardware_acceleration_policy(webkit_web_view_get_settings(view),
                                                      WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
-    gtk_widget_set_size_request(GTK_WIDGET(view), pageWidth, pageHeight);
+    gtk_widget_set_size_request(GTK_WIDGET(view), size.width, size.height);
     return view;
+}
+
+/// A view in a window of its own, and the memory that its pictures come into.
+class BareView {
+  public:
+    explicit BareView(Size size);
+    ~BareView() { gtk_widget_destroy(window); }
+    BareView(const BareView&) = delete;
+    BareView& operator=(const BareView&) = delete;
+
+    WebKitWebView* webView() const { return view; }
+    std::uint64_t pictures() const { return count; }
+    Clock::time_point lastPicture() const { return last; }
+    Pixel pixel(Point point) const {
+        const auto* const first =
+            &pixels.at(std::size_t{4} * size.width * point.y + std::size_t{4} * point.x);
+        return {first[0], first[1], first[2], first[3]};
+    }
+
+  private:
+    static gboolean onDamage(GtkWidget*, GdkEventExpose* event, gpointer self);
+
+    const Size size;
+    GtkWidget* const window;
+    WebKitWebView* const view;
+    std::vector<std::uint8_t> pixels;
+    const Owned<cairo_surface_t> target;
+    std::uint64_t count = 0;
+    Clock::time_point last;
+};
+
+BareView::BareView(Size size)
+    : size(size),
+      window(makeWindow()),
+      view(makeView(size)),
+      pixels(std::size_t{4} * size.width * size.height),
+      target(cairo_image_surface_create_for_data(pixels.data(), CAIRO_FORMAT_ARGB32, size.width, size.height,
+                                                 size.width * 4)) {
+    g_signal_connect(window, "damage-event", G_CALLBACK(onDamage), this);
+    gtk_container_add(GTK_CONTAINER(window), GTK_WIDGET(view));
+    gtk_widget_show_all(window);
+}
+
+gboolean BareView::onDamage(GtkWidget*, GdkEventExpose* event, gpointer data) {
+    auto& self = *static_cast<BareView*>(data);
+    const Owned<cairo_t> context(cairo_create(self.target.get()));
+    gdk_cairo_region(context.get(), event->region);
+    cairo_clip(context.get());
+    gtk_widget_draw(GTK_WIDGET(self.view), context.get());
+    cairo_surface_flush(self.target.get());
+    ++self.count;
+    self.last = Clock::now();
+    return GDK_EVENT_PROPAGATE;
 }
 
 class BareSubject final : public Subject {
   public:
-    BareSubject();
-    ~BareSubject() override { gtk_widget_destroy(window); }
-    BareSubject(const BareSubject&) = delete;
-    BareSubject& operator=(const BareSubject&) = delete;
+    explicit BareSubject(const Setup& setup);
 
+    void open(int count) override;
+
+    void load(const std::string& html) override {
+        for (const auto& view : views) {
+            webkit_web_view_load_html(view->webView(), html.c_str(), nullptr);
+        }
+    }
     void show(const std::string& html) override {
-        webkit_web_view_load_html(view, html.c_str(), nullptr);
+        load(html);
+        for (const auto& view : views) {
+            runUntil([&] { return !webkit_web_view_is_loading(view->webView()); });
+        }
         run(warmUp);
     }
     void run(std::chrono::duration<double> time) override;
 
-    void load(const std::string& url) override { webkit_web_view_load_uri(view, url.c_str()); }
+    void loadUrl(const std::string& url) override { webkit_web_view_load_uri(first(), url.c_str()); }
 
-    Reading read() override { return Reading::now(pictures); }
-    Pixel pixel(Point point) override;
+    Reading read() override;
+    bool drawsOnDisplay() const override { return true; }
+    Pixel pixel(Point point) override { return views.front()->pixel(point); }
 
     void evaluate(std::uint64_t number, const std::string& script) override;
     void waitForResults(std::uint64_t count) override {
@@ -85,12 +141,11 @@ class BareSubject final : public Subject {
     void pressPointer(Point point) override { dispatch("pointerdown", point); }
     void releasePointer(Point point) override { dispatch("pointerup", point); }
     Clock::time_point waitForColour(const Pixel& colour) override {
-        runUntil([&] { return pixel(watched) == colour; });
-        return lastPicture;
+        runUntil([&] { return alike(pixel(watched), colour); });
+        return views.front()->lastPicture();
     }
 
   private:
-    static gboolean onDamage(GtkWidget*, GdkEventExpose* event, gpointer self);
     static void onResult(GObject* view, GAsyncResult* result, gpointer self);
     static void onMessage(WebKitUserContentManager*, WebKitJavascriptResult* message, gpointer self);
 
@@ -100,47 +155,44 @@ class BareSubject final : public Subject {
             g_main_context_iteration(nullptr, TRUE);
         }
     }
+    WebKitWebView* first() const { return views.front()->webView(); }
     void runScript(const std::string& script) {
-        webkit_web_view_evaluate_javascript(view, script.c_str(), -1, nullptr, nullptr, nullptr, nullptr,
+        webkit_web_view_evaluate_javascript(first(), script.c_str(), -1, nullptr, nullptr, nullptr, nullptr,
                                             nullptr);
     }
     void dispatch(const std::string& type, Point point);
 
-    GtkWidget* const window;
-    WebKitWebView* const view;
-    std::vector<std::uint8_t> pixels;
-    const Owned<cairo_surface_t> target;
-    std::uint64_t pictures = 0;
-    Clock::time_point lastPicture;
+    const Size size;
+    std::vector<std::unique_ptr<BareView>> views;
     Arrivals results;
     Arrivals messages;
     Point watched;
 };
 
-BareSubject::BareSubject()
-    : window(makeWindow()),
-      view(makeView()),
-      pixels(std::size_t{pageWidth} * pageHeight * 4),
-      target(cairo_image_surface_create_for_data(pixels.data(), CAIRO_FORMAT_ARGB32, pageWidth, pageHeight,
-                                                 pageWidth * 4)) {
-    g_signal_connect(window, "damage-event", G_CALLBACK(onDamage), this);
-    gtk_container_add(GTK_CONTAINER(window), GTK_WIDGET(view));
-    auto* const content = webkit_web_view_get_user_content_manager(view);
-    g_signal_connect(content, "script-message-received::bench", G_CALLBACK(onMessage), this);
-    webkit_user_content_manager_register_script_message_handler(content, "bench");
-    gtk_widget_show_all(window);
+BareSubject::BareSubject(const Setup& setup) : Subject(startOfThisProcess()), size(setup.size) {
+    gtk_disable_setlocale();  // numbers are written as C++ writes them
+    if (!gtk_init_check(nullptr, nullptr)) {
+        throw std::runtime_error("GTK cannot open a display. Is DISPLAY set?");
+    }
 }
 
-gboolean BareSubject::onDamage(GtkWidget*, GdkEventExpose* event, gpointer data) {
-    auto& self = *static_cast<BareSubject*>(data);
-    const Owned<cairo_t> context(cairo_create(self.target.get()));
-    gdk_cairo_region(context.get(), event->region);
-    cairo_clip(context.get());
-    gtk_widget_draw(GTK_WIDGET(self.view), context.get());
-    cairo_surface_flush(self.target.get());
-    ++self.pictures;
-    self.lastPicture = Clock::now();
-    return GDK_EVENT_PROPAGATE;
+void BareSubject::open(int count) {
+    while (views.size() < static_cast<std::size_t>(count)) {
+        views.push_back(std::make_unique<BareView>(size));
+        if (views.size() == 1) {
+            auto* const content = webkit_web_view_get_user_content_manager(first());
+            g_signal_connect(content, "script-message-received::bench", G_CALLBACK(onMessage), this);
+            webkit_user_content_manager_register_script_message_handler(content, "bench");
+        }
+    }
+}
+
+Reading BareSubject::read() {
+    std::uint64_t pictures = 0;
+    for (const auto& view : views) {
+        pictures += view->pictures();
+    }
+    return Reading::now(pictures);
 }
 
 void BareSubject::run(std::chrono::duration<double> time) {
@@ -151,17 +203,12 @@ void BareSubject::run(std::chrono::duration<double> time) {
     runUntil([&] { return over; });
 }
 
-Pixel BareSubject::pixel(Point point) {
-    const auto* const first = &pixels.at((std::size_t{pageWidth} * point.y + point.x) * 4);
-    return {first[0], first[1], first[2], first[3]};
-}
-
 // A function call with the script as its argument, since that is what the library owes its caller.
 void BareSubject::evaluate(std::uint64_t, const std::string& script) {
     GVariantDict arguments;
     g_variant_dict_init(&arguments, nullptr);
     g_variant_dict_insert_value(&arguments, "text", g_variant_new_string(script.c_str()));
-    webkit_web_view_call_async_javascript_function(view, "return evaluate(text)", -1,
+    webkit_web_view_call_async_javascript_function(first(), "return evaluate(text)", -1,
                                                    g_variant_dict_end(&arguments), nullptr, nullptr, nullptr,
                                                    onResult, this);
 }
@@ -189,8 +236,8 @@ void BareSubject::dispatch(const std::string& type, Point point) {
 
 }  // namespace
 
-std::unique_ptr<Subject> makeBareSubject() {
-    return std::make_unique<BareSubject>();
+std::unique_ptr<Subject> makeBareSubject(const Setup& setup) {
+    return std::make_unique<BareSubject>(setup);
 }
 
 }  // namespace zarvik::bench

@@ -4,7 +4,11 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdio>
+#include <map>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -16,36 +20,77 @@ namespace {
 
 using Values = std::vector<double>;
 
-struct Rounds {
-    std::vector<Figures> library;
-    std::vector<Figures> bare;
-};
+/// The figures of each round. A side that cannot do what is measured has none.
+using Rounds = std::map<Side, std::vector<Figures>>;
 
-Values valuesOf(const std::vector<Figures>& rounds, const char* figure) {
-    Values values;
-    values.reserve(rounds.size());
-    for (const auto& figures : rounds) {
-        values.push_back(figures.at(figure));
+const char* titleOf(Side side) {
+    switch (side) {
+        case Side::library:
+            return "library";
+        case Side::bare:
+            return "bare";
+        case Side::chromium:
+            return "Chromium";
+        case Side::qt:
+            return "Qt WebEngine";
     }
-    return values;
+    return "";
 }
 
+/// What is under way: over the last line of a terminal, elsewhere one line for each.
 void showProgress(const std::string& text) {
-    if (isatty(STDERR_FILENO) != 0) {
-        std::fprintf(stderr, "\r\033[K%s", text.c_str());
+    const bool terminal = isatty(STDERR_FILENO) != 0;
+    if (terminal || !text.empty()) {
+        std::fprintf(stderr, terminal ? "\r\033[K%s" : "%s\n", text.c_str());
     }
 }
 
-Rounds measure(const Case& measured, int rounds, const Settings& settings) {
+/// Tries twice: a browser may end a process of its own just then, whose processor time is lost.
+std::optional<Figures> measurePatiently(Side side, const Case& measured, const Settings& settings) {
+    try {
+        return measureInProcess(side, measured, settings);
+    } catch (const std::runtime_error& error) {
+        std::fprintf(stderr, "\n%s\nOnce more ...\n", error.what());
+    }
+    return measureInProcess(side, measured, settings);
+}
+
+/// Adds to the failures what could not be measured.
+Rounds measure(const Case& measured, const std::vector<Side>& sides, int rounds, const Settings& settings,
+               const std::string& place, std::string& failures) {
     Rounds result;
+    std::vector<Side> serving = sides;
     for (int round = 1; round <= rounds; ++round) {
-        showProgress(std::string(measured.title) + ", round " + std::to_string(round) + " of " +
-                     std::to_string(rounds));
-        result.library.push_back(measureInProcess(Side::library, measured, settings));
-        result.bare.push_back(measureInProcess(Side::bare, measured, settings));
+        for (const Side side : std::vector(serving)) {
+            showProgress(place + " " + measured.name + ", round " + std::to_string(round) + " of " +
+                         std::to_string(rounds) + ", " + nameOf(side));
+            try {
+                if (auto figures = measurePatiently(side, measured, settings)) {
+                    result[side].push_back(std::move(*figures));
+                    continue;
+                }
+            } catch (const std::runtime_error& error) {
+                failures += std::string("\n") + error.what();
+                result.erase(side);
+            }
+            std::erase(serving, side);
+        }
     }
     showProgress("");
     return result;
+}
+
+/// Empty if the side has no such figure.
+Values valuesOf(const Rounds& rounds, Side side, const char* figure) {
+    Values values;
+    if (const auto place = rounds.find(side); place != rounds.end()) {
+        for (const auto& figures : place->second) {
+            if (const auto value = figures.find(figure); value != figures.end()) {
+                values.push_back(value->second);
+            }
+        }
+    }
+    return values;
 }
 
 std::string formatted(const char* format, double value) {
@@ -56,39 +101,88 @@ std::string formatted(const char* format, double value) {
 
 /// The median with the least and the greatest value: how far apart they are tells how quiet the machine was.
 std::string summary(const char* format, const Values& values) {
+    if (values.empty()) {
+        return "-";
+    }
     const auto [least, greatest] = std::ranges::minmax(values);
-    return formatted(format, quantile(values, 0.5)) + " (" + formatted(format, least) + "-" +
-           formatted(format, greatest) + ")";
+    const auto median = formatted(format, quantile(values, 0.5));
+    return values.size() == 1
+               ? median
+               : median + " (" + formatted(format, least) + "-" + formatted(format, greatest) + ")";
 }
 
-void print(const Line& line, const Rounds& rounds) {
-    const auto library = valuesOf(rounds.library, line.figure);
-    const auto bare = valuesOf(rounds.bare, line.figure);
-    const double libraryMedian = quantile(library, 0.5);
-    const double bareMedian = quantile(bare, 0.5);
-    const char* verdict = "";
-    if (line.target.holds) {
-        verdict = line.target.holds(libraryMedian, bareMedian) ? "holds" : "MISSED";
+std::string ratio(const Values& library, const Values& other) {
+    if (library.empty() || other.empty() || quantile(other, 0.5) <= 0) {
+        return "-";
     }
-    std::printf("  %-38s %20s %20s %6s  %-13s %s\n", line.title, summary(line.format, library).c_str(),
-                summary(line.format, bare).c_str(),
-                bareMedian > 0 ? formatted("%.2f", libraryMedian / bareMedian).c_str() : "-",
-                line.target.text, verdict);
+    return formatted("%.2f", quantile(library, 0.5) / quantile(other, 0.5));
+}
+
+std::string verdict(const Target& target, const Values& library, const Values& bare) {
+    if (!target.holds) {
+        return "";
+    }
+    if (library.empty() || bare.empty()) {
+        return target.text;
+    }
+    return target.text +
+           (target.holds(quantile(library, 0.5), quantile(bare, 0.5)) ? ": holds" : ": **missed**");
+}
+
+void printHead(const std::vector<Side>& sides) {
+    std::string head = "| |";
+    std::string rule = "|---|";
+    for (const Side side : sides) {
+        head += std::string(" ") + titleOf(side) + " |";
+        rule += "---:|";
+        if (side != Side::library) {
+            head += " ratio |";
+            rule += "---:|";
+        }
+    }
+    std::printf("%s target |\n%s---|\n", head.c_str(), rule.c_str());
+}
+
+void print(const Line& line, const Rounds& rounds, const std::vector<Side>& sides) {
+    const auto library = valuesOf(rounds, Side::library, line.figure);
+    std::string row = std::string("| ") + line.title + " |";
+    for (const Side side : sides) {
+        const auto values = valuesOf(rounds, side, line.figure);
+        row += " " + summary(line.format, values) + " |";
+        if (side != Side::library) {
+            row += " " + ratio(library, values) + " |";
+        }
+    }
+    std::printf("%s %s |\n", row.c_str(),
+                verdict(line.target, library, valuesOf(rounds, Side::bare, line.figure)).c_str());
 }
 
 }  // namespace
 
-void compareSides(const std::vector<const Case*>& compared, int rounds, const Settings& settings) {
-    std::printf("%dx%d, medians (least-greatest) of %d rounds on each side, windows of %g s\n\n", pageWidth,
-                pageHeight, rounds, settings.seconds);
-    std::printf("  %-38s %20s %20s %6s  %s\n", "", "library", "bare", "ratio", "target");
+void compareSides(const std::vector<const Case*>& compared, const std::vector<Side>& sides, int rounds,
+                  const Settings& settings) {
+    std::printf(
+        "Medians (least-greatest) of %d rounds, windows of %g s. Ratio: the library's figure by the "
+        "other's.\n\n",
+        rounds, settings.seconds);
+    printHead(sides);
+    std::string failures;
+    int number = 0;
     for (const auto* each : compared) {
-        const Rounds measured = measure(*each, rounds, settings);
-        std::printf("%s\n", each->title);
+        const auto place = "[" + std::to_string(++number) + "/" + std::to_string(compared.size()) + "]";
+        const Rounds measured = measure(*each, sides, rounds, settings, place, failures);
+        std::string row = "| **" + each->title + "** |";
+        for (std::size_t i = 0; i < 2 * sides.size(); ++i) {
+            row += " |";
+        }
+        std::printf("%s\n", row.c_str());
         for (const auto& line : each->lines) {
-            print(line, measured);
+            print(line, measured, sides);
         }
         std::fflush(stdout);
+    }
+    if (!failures.empty()) {
+        throw std::runtime_error("Some of it could not be measured." + failures);
     }
 }
 

@@ -4,9 +4,9 @@
 
 namespace zarvik::bench {
 
-// Frames per second and processor time of pages that move in different ways, and of one that does not.
-Case elementsCase();
-Case canvasCase();
-Case stillCase();
+/// Frames and processor time of pages that move, and what a page at rest costs.
+Case elementsCase(int views, Size size, const std::string& name);
+Case canvasCase(int views, Size size, const std::string& name);
+Case stillCase(int views, Size size, const std::string& name);
 
 }  // namespace zarvik::bench

@@ -3,6 +3,7 @@
 #include <mutex>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 #include "Arrivals.h"
 #include "Subject.h"
@@ -12,9 +13,6 @@
 namespace zarvik::bench {
 
 namespace {
-
-/// The page's start is not measured.
-constexpr std::chrono::milliseconds warmUp{2000};
 
 std::chrono::nanoseconds currentThreadTime() {
     timespec time{};
@@ -53,7 +51,7 @@ class WatchedPixel {
 
     Subject::Clock::time_point waitFor(const Pixel& colour) {
         std::unique_lock lock(mutex);
-        changed.wait(lock, [&] { return pixel == colour; });
+        changed.wait(lock, [&] { return alike(pixel, colour); });
         return since;
     }
 
@@ -88,18 +86,34 @@ class WatchedPixel {
 
 class LibrarySubject final : public Subject {
   public:
-    explicit LibrarySubject(double turnsPerSecond)
-        : engine({.turnsPerSecond = turnsPerSecond}),
-          view(engine, {.width = pageWidth, .height = pageHeight}),
+    explicit LibrarySubject(const Setup& setup)
+        : Subject(startOfThisProcess()),
+          size(setup.size),
+          engine({.turnsPerSecond = setup.turnsPerSecond}),
           exports(engine.plugin()) {}
 
-    void show(const std::string& html) override {
-        view.loadHtml(html);
-        if (const auto load = view.waitForLoad(); !load) {
-            throw std::runtime_error("The page did not load. " + load.reason);
+    void open(int count) override {
+        while (views.size() < static_cast<std::size_t>(count)) {
+            views.push_back(
+                std::make_unique<host::View>(engine, host::Size{.width = size.width, .height = size.height}));
         }
-        if (!view.waitForUploads(1)) {
-            throw std::runtime_error("No picture came into the texture.");
+    }
+
+    void load(const std::string& html) override {
+        for (const auto& view : views) {
+            view->loadHtml(html);
+        }
+    }
+
+    void show(const std::string& html) override {
+        load(html);
+        for (const auto& view : views) {
+            if (const auto load = view->waitForLoad(); !load) {
+                throw std::runtime_error("The page did not load. " + load.reason);
+            }
+            if (!view->waitForUploads(1)) {
+                throw std::runtime_error("No picture came into the texture.");
+            }
         }
         run(warmUp);
         engine.recorder().setObserver([inbox = inbox](const host::Record& record) { inbox->add(record); });
@@ -107,55 +121,64 @@ class LibrarySubject final : public Subject {
 
     void run(std::chrono::duration<double> time) override { std::this_thread::sleep_for(time); }
 
-    void load(const std::string& url) override { view.loadUrl(url); }
+    void loadUrl(const std::string& url) override { first().loadUrl(url); }
 
     Reading read() override {
-        return Reading::now(view.uploads(), engine.renderThread().run(currentThreadTime));
+        std::uint64_t uploads = 0;
+        for (const auto& view : views) {
+            uploads += view->uploads();
+        }
+        return Reading::now(uploads, engine.renderThread().run(currentThreadTime));
     }
 
-    Pixel pixel(Point point) override { return view.readPixels().at(point.x, point.y); }
+    bool drawsOnDisplay() const override { return true; }
+
+    Pixel pixel(Point point) override { return first().readPixels().at(point.x, point.y); }
 
     void evaluate(std::uint64_t number, const std::string& script) override {
-        exports.WebView_executeJavaScript(view.handle(), script.c_str(), std::to_string(number).c_str());
+        exports.WebView_executeJavaScript(first().handle(), script.c_str(), std::to_string(number).c_str());
     }
 
     void waitForResults(std::uint64_t count) override { inbox->results.waitFor(count); }
 
     void runPosting(const std::string& script) override {
         const auto whole = "{ const post = (text) => zarvik.postMessage(text); " + script + " }";
-        exports.WebView_executeJavaScript(view.handle(), whole.c_str(), nullptr);
+        exports.WebView_executeJavaScript(first().handle(), whole.c_str(), nullptr);
     }
 
     void waitForMessages(std::uint64_t count) override { inbox->messages.waitFor(count); }
 
     void watch(Point point) override {
         watched.reset();
-        watched = std::make_unique<WatchedPixel>(engine, view, point);
+        watched = std::make_unique<WatchedPixel>(engine, first(), point);
     }
 
     void pressPointer(Point point) override {
-        exports.WebView_pointerDown(view.handle(), point.x, point.y, 0, 1);
+        exports.WebView_pointerDown(first().handle(), point.x, point.y, 0, 1);
     }
 
     void releasePointer(Point point) override {
-        exports.WebView_pointerUp(view.handle(), point.x, point.y, 0, 1);
+        exports.WebView_pointerUp(first().handle(), point.x, point.y, 0, 1);
     }
 
     Clock::time_point waitForColour(const Pixel& colour) override { return watched->waitFor(colour); }
 
   private:
+    host::View& first() { return *views.front(); }
+
+    const Size size;
     // Shared with the observer, which may still be at work when the waiting ends.
     const std::shared_ptr<Inbox> inbox = std::make_shared<Inbox>();
     host::Engine engine;
-    host::View view;
+    std::vector<std::unique_ptr<host::View>> views;
     const host::PluginExports& exports;
     std::unique_ptr<WatchedPixel> watched;
 };
 
 }  // namespace
 
-std::unique_ptr<Subject> makeLibrarySubject(double turnsPerSecond) {
-    return std::make_unique<LibrarySubject>(turnsPerSecond);
+std::unique_ptr<Subject> makeLibrarySubject(const Setup& setup) {
+    return std::make_unique<LibrarySubject>(setup);
 }
 
 }  // namespace zarvik::bench

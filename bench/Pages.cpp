@@ -11,6 +11,8 @@ std::string document(const std::string& head, const std::string& body) {
            head + "</style></head><body>" + body + "</body></html>";
 }
 
+constexpr const char* evaluator = "<script>function evaluate(text) { return String(eval(text)); }</script>";
+
 }  // namespace
 
 std::string elementsPage() {
@@ -48,7 +50,7 @@ function frame() {
         context.fillRect((i * 97 + count * 3) % canvas.width, (i * 53 + count) % canvas.height, 60, 24);
     }
     context.fillStyle = '#204870';
-    context.fillRect(0, 0, 8, 8);
+    context.fillRect(0, 0, 32, 32);
     requestAnimationFrame(frame);
 }
 frame();
@@ -64,17 +66,18 @@ std::string stillPage() {
 }
 
 std::string scriptPage() {
-    return document("", "<script>function evaluate(text) { return String(eval(text)); }</script>");
+    return document("", evaluator);
 }
 
-std::string inputPage() {
+std::string blockPage() {
     return document(
         "#block{position:absolute;left:160px;top:160px;width:400px;height:400px;background:#c03060}",
-        R"html(<div id="block"></div><script>
-var block = document.getElementById('block'), colours = ['#c03060', '#30a060'], presses = 0;
-block.addEventListener('pointerdown', function () {
-    block.style.background = colours[++presses % colours.length];
-});
+        std::string(evaluator) + R"html(<div id="block"></div><script>
+var block = document.getElementById('block'), colours = ['#c03060', '#30a060'], changes = 0;
+function change() {
+    block.style.background = colours[++changes % colours.length];
+}
+block.addEventListener('pointerdown', change);
 </script>)html");
 }
 

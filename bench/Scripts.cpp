@@ -59,11 +59,14 @@ Figures measureScripts(Subject& subject, const Settings& settings) {
     return {{"rate", results / measured.seconds}, {"cost", 1e6 * measured.treeTime / results}};
 }
 
-constexpr Target enoughAwaited{">= 2000", [](double library, double) { return library >= 2000; }};
+Target atLeast(int perSecond) {
+    return {">= " + std::to_string(perSecond),
+            [perSecond](double library, double) { return library >= perSecond; }};
+}
 
 std::vector<Line> scriptLines(Target target) {
-    return {{"rate", "per second", "%.0f", target},
-            {"cost", "  CPU of all processes, us per result", "%.0f"}};
+    return {{"rate", "per second", "%.0f", std::move(target)},
+            {"cost", "CPU of all processes, us per result", "%.0f"}};
 }
 
 std::string postingScript(std::uint64_t begin, std::uint64_t end) {
@@ -97,21 +100,21 @@ Figures measureMessages(Subject& subject, const Settings& settings) {
 Case pipelinedScriptsCase() {
     return {.name = "scripts",
             .title = "script results, 256 under way",
-            .lines = scriptLines({">= 20000", [](double library, double) { return library >= 20000; }}),
+            .lines = scriptLines(atLeast(20'000)),
             .measure = measureScripts<pipelineDepth>};
 }
 
 Case awaitedScriptsCase() {
     return {.name = "scripts-awaited",
             .title = "script results, each awaited",
-            .lines = scriptLines(enoughAwaited),
+            .lines = scriptLines(atLeast(2000)),
             .measure = measureScripts<1>};
 }
 
 Case awaitedScriptsOnOneProcessorCase() {
     return {.name = "scripts-one-cpu",
             .title = "script results, each awaited, everything on one processor",
-            .lines = scriptLines(enoughAwaited),
+            .lines = scriptLines(atLeast(2000)),
             .measure = measureScripts<1>,
             .onOneProcessor = true};
 }

@@ -1,17 +1,15 @@
 #pragma once
 
+#include <optional>
+
 #include "Case.h"
+#include "Side.h"
 
 namespace zarvik::bench {
 
-enum class Side { library, bare };
-
-/// As the option --side spells it.
-const char* nameOf(Side side);
-
-/// Measures in a process of its own: this program with the option --side. Throws std::runtime_error, naming
-/// what was measured, if that process fails or hangs.
-Figures measureInProcess(Side side, const Case& measured, const Settings& settings);
+/// Measures in a process of its own: the side's program with the option --side. Nothing if the side cannot do
+/// what is measured. Throws std::runtime_error, naming what was measured, if that process fails or hangs.
+std::optional<Figures> measureInProcess(Side side, const Case& measured, const Settings& settings);
 
 /// What that process does: measures and prints the figures.
 void runSide(Side side, const Case& measured, const Settings& settings);

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing. Returns at once when there are none.
-#   setup-linux.sh [windows]     windows: also what the Windows build and its tests need
+#   setup-linux.sh [windows|bench]     windows: also what the Windows build and its tests need
+#                                      bench: also the other browsers of the benchmark
 # ZARVIK_SKIP_SETUP=1 takes the machine as it is, for systems without apt.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
@@ -17,10 +18,17 @@ packages=(
     libepoxy-dev libegl-dev libgles-dev libglfw3-dev libcli11-dev libpng-dev
     # the tests
     libgtest-dev libcpp-httplib-dev libssl-dev libxtst-dev chromium:chromium
+    # the benchmark
+    libjpeg62-turbo-dev
     # running pages without a screen
     xvfb:Xvfb xauth:xauth libegl1 libgl1-mesa-dri fonts-dejavu-core bubblewrap:bwrap xdg-dbus-proxy:xdg-dbus-proxy
 )
-[ "${1:-}" != windows ] || packages+=(wine wine64 wine64-tools libgl1)
+case "${1:-}" in
+    windows) packages+=(wine wine64 wine64-tools libgl1) ;;
+    bench) packages+=(
+        chromium-headless-shell:chromium-headless-shell
+        qt6-webengine-dev qml6-module-qtwebengine qml6-module-qtqml-workerscript) ;;
+esac
 
 missing_packages() {
     local installed entry package

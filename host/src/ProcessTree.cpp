@@ -69,8 +69,12 @@ void addTree(ProcessTimes& times, const std::multimap<pid_t, pid_t>& children, p
 }  // namespace
 
 ProcessTimes processTreeTimes() {
+    return processTreeTimes(getpid());
+}
+
+ProcessTimes processTreeTimes(pid_t root) {
     ProcessTimes times;
-    addTree(times, childrenByParent(), getpid());
+    addTree(times, childrenByParent(), root);
     return times;
 }
 

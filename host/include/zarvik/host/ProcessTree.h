@@ -12,6 +12,8 @@ using ProcessTimes = std::map<pid_t, std::chrono::nanoseconds>;
 
 /// This process and all its descendants: those of the browser too.
 ProcessTimes processTreeTimes();
+/// Another process and its descendants; nothing if there is no such process.
+ProcessTimes processTreeTimes(pid_t root);
 
 /// What the tree used between two readings. Throws std::runtime_error if a process ended in between, whose
 /// time is then unknown.
