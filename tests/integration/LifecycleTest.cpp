@@ -178,6 +178,7 @@ TEST_F(LifecycleTest, ManyCyclesLeaveNothingBehind) {
     const char* const chosen = std::getenv("ZARVIK_CYCLES");
     const int cycles = chosen ? std::max(std::atoi(chosen), 40) : 100;
     constexpr int warmUp = 25;
+    recorder().keepNewest(100);
     const auto cycle = [&](int i) {
         View view(engine, {160, 120}, i % 2 == 0);
         loadHtml(view, colourPage(i % 256, 20, 30));
@@ -204,6 +205,7 @@ TEST_F(LifecycleTest, ManyCyclesLeaveNothingBehind) {
     EXPECT_LE(after.threads, before.threads + 2);
     EXPECT_LE(after.pages, before.pages);
     EXPECT_EQ(engine.device().liveObjects(), zarvik::host::GLDevice::LiveObjects());
-    // A view that stayed would cost more than this in pixels alone, were it only each tenth.
-    EXPECT_LT(after.memory - before.memory, 20 << 20);
+    // The browser engine by itself keeps 22 to 24 kB of each view. A view that stayed would cost 77 kB for
+    // one picture.
+    EXPECT_LT(after.memory - before.memory, (10 << 20) + (cycles - warmUp) * (40L << 10));
 }
