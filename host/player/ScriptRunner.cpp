@@ -139,8 +139,8 @@ void ScriptRunner::waitForPage(const std::string& condition, const std::string& 
     std::string last = "the page does not answer";
     waitUntil(
         [&] {
-            const auto result = view.resultOf(evaluation, milliseconds(0));
-            if (result && (last = *result) != "true") {
+            if (const auto result = view.resultOf(evaluation, milliseconds(0))) {
+                last = *result;
                 evaluation = view.evaluation(condition);
             }
             return last == "true";
