@@ -141,7 +141,9 @@ void ScriptRunner::waitForPage(const std::string& condition, const std::string& 
         [&] {
             if (const auto result = view.resultOf(evaluation, milliseconds(0))) {
                 last = *result;
-                evaluation = view.evaluation(condition);
+                if (last != "true") {
+                    evaluation = view.evaluation(condition);
+                }
             }
             return last == "true";
         },

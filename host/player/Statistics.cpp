@@ -105,9 +105,9 @@ std::string Statistics::summary() const {
         text += formatted("pictures uploaded   %s: %llu (%.1f/s)\n", view.c_str(),
                           static_cast<unsigned long long>(pictures), rate(pictures, interval));
     }
+    const std::uint64_t sent = answered + waiting.size() + unanswered;
     text += formatted("input to picture    %llu of %llu inputs were followed by a new picture of their page",
-                      static_cast<unsigned long long>(answered),
-                      static_cast<unsigned long long>(answered + waiting.size() + unanswered));
+                      static_cast<unsigned long long>(answered), static_cast<unsigned long long>(sent));
     if (answered > 0) {
         text +=
             formatted("\n                    median %.1f ms, 90 %% %.1f ms, 99 %% %.1f ms, longest %.1f ms",
