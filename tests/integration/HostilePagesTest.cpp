@@ -155,10 +155,10 @@ TEST_F(HostilePagesTest, AFloodOfMessagesKeepsItsOrderAndTheEngineItsMemory) {
         const text = 'x'.repeat(1 << 18);
         let posted = 0;
         const flood = () => {
-            for (let i = 0; i < 20 && posted < 600; i++) {
+            for (let i = 0; i < 20 && posted < 300; i++) {
                 zarvik.postMessage('flood ' + posted++ + ' ' + text);
             }
-            if (posted < 600) { setTimeout(flood) }
+            if (posted < 300) { setTimeout(flood) }
         };
         </script>)");
     const long before = residentMemory();
@@ -167,12 +167,14 @@ TEST_F(HostilePagesTest, AFloodOfMessagesKeepsItsOrderAndTheEngineItsMemory) {
     EXPECT_TRUE(waitUntil([&] {
         most = std::max(most, residentMemory());
         EXPECT_EQ(bystander.evaluate("1 + 1"), "2");
-        return received == 600;
+        return received == 300;
     })) << received;
     recorder().setObserver(nullptr);
     EXPECT_EQ(misplaced, 0);
     std::cout << "Memory " << before / 1024 << " kB, at most " << most / 1024 << " kB\n";
-    EXPECT_LT(most - before, 60 << 20) << "of 150 MB that were posted";
+#if !__has_feature(thread_sanitizer)  // under which the engine's collector is off, and keeps every message
+    EXPECT_LT(most - before, 40 << 20) << "of 75 MB that were posted";
+#endif
     expectUnharmed();
 }
 
