@@ -33,7 +33,7 @@ function runnable(command) {
         .replace("--script FILE", `--script ${script}`)
         .replace("--record FILE", `--record ${scratch}/recording --script ${script}`)
         .replace(/\bpackage$/, join(scratch, "package"))
-        .replace(/^\.\/run bench.*/, "build/linux/zarvik-bench elements --sides bare --rounds 1 --seconds 1")
+        .replace(/^\.\/run bench.*/, "ZARVIK_SKIP_SETUP=1 ./run bench elements --sides bare --rounds 1 --seconds 1")
         .replace(/^(ctest .*)/, "$1 -R unit-tests")
         .replace("ZARVIK_CYCLES=1000", "ZARVIK_CYCLES=40")
         .replace(/^(scripts\/fuzz\.sh).*/, "$1 --help");

@@ -177,32 +177,3 @@ TEST_F(HostilePagesTest, AFloodOfMessagesKeepsItsOrderAndTheEngineItsMemory) {
 #endif
     expectUnharmed();
 }
-
-TEST_F(HostilePagesTest, FramesAndOtherPagesCannotSpeakForThePage) {
-    // Whatever a frame of another origin finds in its world, no message of it arrives.
-    server.page("/frame", R"(<script>
-        const attempt = (send) => { try { send() } catch {} };
-        for (const target of [window, parent, top]) {
-            for (const name of ['zarvik', '_zarvikBridge', '_zarvikInternal', 'webkit']) {
-                attempt(() => target[name].postMessage('forged'));
-                attempt(() => target[name].bridge.postMessage('forged'));
-                attempt(() => Object.values(target[name].messageHandlers).forEach((h) => h.postMessage('1 0 0 forged')));
-            }
-            attempt(() => target.postMessage('forged', '*'));
-            attempt(() => target.postMessage({type: 'zarvik.webview.titleChanged', value: 'forged'}, '*'));
-        }
-        for (const name of ['object', 'navigation', 'scripts', 'answers']) {
-            attempt(() => webkit.messageHandlers[name].postMessage('1 0 0 forged'));
-        }
-        fetch('/tried');
-        </script>)");
-    server.page("/page", "<iframe src='" + server.otherOriginUrl("/frame") + "'></iframe>");
-    const auto from = recorder().position();
-    load(view, server.url("/page"));
-    ASSERT_TRUE(server.waitForRequest("/tried"));
-    EXPECT_EQ(view.evaluate("1 + 1"), "2");
-    for (const auto& record : recorder().since(from)) {
-        EXPECT_EQ(record.payload.find("forged"), std::string::npos) << record.method << " " << record.payload;
-    }
-    expectUnharmed();
-}
