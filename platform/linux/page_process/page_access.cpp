@@ -5,6 +5,7 @@
 //   evaluate(text)            runs a program among them, also where the page forbids it to its own
 //   runTasks(element, count)  clicks on the element so many times, each time as a task of its own
 //   answer(number, text)      ends a call
+//   stayAwake()               lets the page's process not sleep for a moment
 //
 // All are for the top document only, and pages do not see that world. It also lets local pages play local
 // media.
@@ -17,6 +18,7 @@
 #include <memory>
 
 #include "../src/glib_ptr.h"
+#include "../src/wakeful_loop.h"
 #include "answer.h"
 #include "local_media.h"
 
@@ -89,6 +91,11 @@ void answer(guint64 number, JSCValue* text, gpointer page) {
     answer_file::of(WEBKIT_WEB_PAGE(page)).append(number, characters, size);
 }
 
+void stay_awake(gpointer) {
+    static runtime::wakeful_loop loop;
+    loop.stay_awake();
+}
+
 void set(JSCContext* context, char const* name, JSCValue* value) {
     jsc_context_set_value(context, name, value);
     g_object_unref(value);
@@ -113,6 +120,8 @@ void on_window_object_cleared(WebKitScriptWorld* world, WebKitWebPage* web_page,
     set(own, "answer",
         jsc_value_new_function(own, "answer", G_CALLBACK(answer), g_object_ref(web_page), g_object_unref,
                                G_TYPE_NONE, 2, G_TYPE_UINT64, JSC_TYPE_VALUE));
+    set(own, "stayAwake",
+        jsc_value_new_function(own, "stayAwake", G_CALLBACK(stay_awake), nullptr, nullptr, G_TYPE_NONE, 0));
     g_object_unref(page);
     g_object_unref(own);
 }

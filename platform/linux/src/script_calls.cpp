@@ -64,7 +64,7 @@ char const* const script_calls::script = R"((() => {
         window.reopened = true;  // document.open() runs the scripts of a document's start once more
         return;
     }
-    const {page, evaluate, runTasks, answer} = window;
+    const {page, evaluate, runTasks, answer, stayAwake} = window;
     const pageEval = page.eval;
     const open = evaluate(`((evaluate, EvalError) => () => {
         let isOpen = true;
@@ -139,12 +139,15 @@ char const* const script_calls::script = R"((() => {
         answer(number, invoke(name, texts));
     };
     element.addEventListener('click', runNext);
-    window.run = (batch) => {
+    window.run = (batch, othersFollow) => {
         calls = batch.values();
         if (batch.length > 1) {
             runTasks(element, batch.length - 1);
         }
         runNext();
+        if (othersFollow) {
+            stayAwake();
+        }
     };
 })())";
 
@@ -213,13 +216,25 @@ void script_calls::send() {
     if (unsent.empty()) {
         return;
     }
-    auto const script = "window.run?.([" + std::exchange(unsent, {}) + "])";
+    bool const others_follow = one_follows_another();
+    auto const script =
+        "window.run?.([" + std::exchange(unsent, {}) + "]," + (others_follow ? "true" : "false") + ")";
     webkit_web_view_evaluate_javascript(view, script.data(), static_cast<gssize>(script.size()), page_world,
                                         nullptr, nullptr, on_ran, new batch{self, last_number});
     running.push_back(last_number);
+    if (others_follow) {
+        loop.stay_awake();
+    }
     if (!ticking) {
         ticking = g_timeout_add(tick_ms, on_tick, this);
     }
+}
+
+/// Whether somebody awaits each answer and calls again at once: then neither side's loop sleeps in between.
+/// Input for each frame of an animation is far from that.
+bool script_calls::one_follows_another() const {
+    constexpr int64_t at_once_us = 300;
+    return g_get_monotonic_time() - last_ran < at_once_us;
 }
 
 // A page tells that it has run a batch, and what it had sent before has then arrived. Nobody tells that it is
@@ -250,6 +265,7 @@ void script_calls::on_ran(GObject* view, GAsyncResult* result, gpointer data) {
     auto const owner = ran->owner;
     if (*owner) {
         std::erase((*owner)->running, ran->last);
+        (*owner)->last_ran = g_get_monotonic_time();
         (*owner)->take_answers(ran->last);
     }
     if (*owner) {

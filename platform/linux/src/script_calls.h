@@ -11,6 +11,7 @@
 #include <winrt/Windows.Foundation.h>
 
 #include "script_answers.h"
+#include "wakeful_loop.h"
 
 namespace runtime {
 
@@ -50,6 +51,7 @@ class script_calls {
     void change_page(bool has_page, winrt::hresult code, wchar_t const* message);
     void open_answers();
     void send();
+    bool one_follows_another() const;
     void take_answers(uint64_t last);
     void cut_off(uint64_t last, std::exception_ptr const& reason);
 
@@ -60,6 +62,8 @@ class script_calls {
     uint64_t overdue = 0;          // the latest call whose answer waits for the end of others
     std::string unsent;            // calls, each with a comma behind it
     std::deque<uint64_t> running;  // the last calls of the batches that were sent
+    int64_t last_ran = 0;          // when the page had run the latest of them
+    wakeful_loop loop;
     guint turn_end = 0;
     guint ticking = 0;
     std::shared_ptr<script_calls*> self;  // outlived by what the engine still answers
