@@ -93,16 +93,28 @@ void closeLibrary() {
 
 }  // namespace
 
-TEST_F(ProcessExitTest, WithLiveViews) {
-    const auto ended = testing::ExitedWithCode(exitCode);
-    EXPECT_EXIT(endWithViews([] { std::exit(exitCode); }), ended, "");
+TEST_F(ProcessExitTest, ByExit) {
+    EXPECT_EXIT(endWithViews([] { std::exit(exitCode); }), testing::ExitedWithCode(exitCode), "");
     expectNothingStays();
-    EXPECT_EXIT(endWithViews([] { std::thread([] { std::exit(exitCode); }).join(); }), ended, "");
+}
+
+TEST_F(ProcessExitTest, ByExitOfAnotherThread) {
+    EXPECT_EXIT(endWithViews([] { std::thread([] { std::exit(exitCode); }).join(); }),
+                testing::ExitedWithCode(exitCode), "");
     expectNothingStays();
-    EXPECT_EXIT(endWithViews([] { _exit(exitCode); }), ended, "");
+}
+
+TEST_F(ProcessExitTest, WithoutCleaningUp) {
+    EXPECT_EXIT(endWithViews([] { _exit(exitCode); }), testing::ExitedWithCode(exitCode), "");
     expectNothingStays();
-    EXPECT_EXIT(endWithViews([] { std::quick_exit(exitCode); }), ended, "");
+}
+
+TEST_F(ProcessExitTest, ByQuickExit) {
+    EXPECT_EXIT(endWithViews([] { std::quick_exit(exitCode); }), testing::ExitedWithCode(exitCode), "");
     expectNothingStays();
+}
+
+TEST_F(ProcessExitTest, ByASignal) {
     EXPECT_EXIT(endWithViews([] { kill(getpid(), SIGKILL); }), testing::KilledBySignal(SIGKILL), "");
     expectNothingStays();
 }

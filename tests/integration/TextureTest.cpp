@@ -94,10 +94,8 @@ TEST_F(TextureTest, TheTextureMayBeDestroyedBeforeOrAfterTheView) {
 TEST_F(TextureTest, ATextureThatWasNeverAnnouncedGoesWithItsView) {
     auto* const view = plugin().WebView_new("unrendered", 64, 64, false);
     plugin().WebView_loadHtml(view, animatedPage.c_str());
-    std::this_thread::sleep_for(500ms);
     plugin().WebView_resize(view, 80, 80);
-    std::this_thread::sleep_for(100ms);
-    EXPECT_EQ(engine.device().liveObjects().textures, 1U);
+    EXPECT_TRUE(waitUntil([this] { return engine.device().liveObjects().textures == 1; }));
     plugin().WebView_destroy(view);
     EXPECT_TRUE(everythingIsReleased());
 }

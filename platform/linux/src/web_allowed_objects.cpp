@@ -45,7 +45,7 @@ constexpr char const* script_start = R"(((id, objects) => {
     const mostPortions = 4;
     let portions = 0;
     let size = 0;
-    let waiting = [];
+    const waiting = [];
     const send = (text) => {
         object.postMessage(text);
         size += text.length + 64;
@@ -55,10 +55,13 @@ constexpr char const* script_start = R"(((id, objects) => {
             delivered.postMessage('').then(() => {
                 portions--;
                 let sent = 0;
-                while (sent < waiting.length && portions < mostPortions) {
-                    send(waiting[sent++]);
+                try {
+                    while (sent < waiting.length && portions < mostPortions) {
+                        send(waiting[sent++]);
+                    }
+                } finally {
+                    waiting.splice(0, sent);
                 }
-                waiting.splice(0, sent);
             });
         }
     };
