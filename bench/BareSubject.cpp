@@ -105,6 +105,7 @@ class BareSubject final : public Subject {
     void open(int count) override;
 
     void load(const std::string& html) override {
+        latest = html;
         for (const auto& view : views) {
             webkit_web_view_load_html(view->webView(), html.c_str(), nullptr);
         }
@@ -145,7 +146,15 @@ class BareSubject final : public Subject {
         return views.front()->lastPicture();
     }
 
+    void killPage() override {
+        g_signal_connect(first(), "web-process-terminated", G_CALLBACK(onTermination), this);
+        killPageProcesses();
+    }
+
   private:
+    static void onTermination(WebKitWebView* view, WebKitWebProcessTerminationReason, gpointer self) {
+        webkit_web_view_load_html(view, static_cast<BareSubject*>(self)->latest.c_str(), nullptr);
+    }
     static void onResult(GObject* view, GAsyncResult* result, gpointer self);
     static void onMessage(WebKitUserContentManager*, WebKitJavascriptResult* message, gpointer self);
 
@@ -164,6 +173,7 @@ class BareSubject final : public Subject {
 
     const Size size;
     std::vector<std::unique_ptr<BareView>> views;
+    std::string latest;  // page
     Arrivals results;
     Arrivals messages;
     Point watched;

@@ -30,7 +30,7 @@ std::string nameFor(const std::string& base, Size size, int views = 1) {
 }
 
 std::vector<Case> makeCases() {
-    std::vector<Case> all{startCase(), stillCase(1, hd, "still"),
+    std::vector<Case> all{startCase(), recoveryCase(), stillCase(1, hd, "still"),
                           stillCase(viewCounts.back(), hd, nameFor("still", hd, viewCounts.back())),
                           elementsCase(1, hd, "elements")};
     for (const Size size : sizes) {

@@ -57,6 +57,17 @@ Figures measureStart(Subject& subject, const Settings&) {
     return {{"time", Milliseconds(end - subject.startOfProgram()).count()}};
 }
 
+Figures measureRecovery(Subject& subject, const Settings&) {
+    subject.show(blockPage());
+    subject.watch(blockPoint);
+    subject.evaluate(0, "change(), 0");
+    subject.waitForColour(blockColours.at(1));
+    const auto begin = Subject::Clock::now();
+    subject.killPage();
+    const auto end = subject.waitForColour(blockColours.at(0));
+    return {{"time", Milliseconds(end - begin).count()}};
+}
+
 std::vector<Line> lines(Target target) {
     return {{"median", "median, ms", "%.1f", std::move(target)}, {"slowest", "99th percentile, ms", "%.1f"}};
 }
@@ -92,6 +103,16 @@ Case startCase() {
             .title = "start of the program to the first frame",
             .lines = {{"time", "ms", "%.0f"}},
             .measure = measureStart};
+}
+
+Case recoveryCase() {
+    return {.name = "recovery",
+            .title = "end of the page's process to the same page in a new one",
+            .lines = {{"time",
+                       "ms",
+                       "%.0f",
+                       {"< 2000 ms", [](double library, double) { return library < 2000; }}}},
+            .measure = measureRecovery};
 }
 
 }  // namespace zarvik::bench

@@ -15,4 +15,7 @@ Case scriptToPixelCase(Size size, const std::string& name);
 /// From the start of the program until the engine has the first frame of a page.
 Case startCase();
 
+/// From the sudden end of the page's process until the engine has a frame of the page that was loaded again.
+Case recoveryCase();
+
 }  // namespace zarvik::bench

@@ -163,6 +163,8 @@ class LibrarySubject final : public Subject {
 
     Clock::time_point waitForColour(const Pixel& colour) override { return watched->waitFor(colour); }
 
+    void killPage() override { killPageProcesses(); }
+
   private:
     host::View& first() { return *views.front(); }
 

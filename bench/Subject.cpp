@@ -1,6 +1,9 @@
 #include "Subject.h"
 
+#include <csignal>
 #include <cstdlib>
+
+#include "support/Processes.h"
 
 namespace zarvik::bench {
 
@@ -12,6 +15,12 @@ bool alike(const Pixel& one, const Pixel& other) {
         }
     }
     return true;
+}
+
+void Subject::killPageProcesses() {
+    for (const pid_t process : pageProcesses()) {
+        kill(process, SIGKILL);
+    }
 }
 
 }  // namespace zarvik::bench

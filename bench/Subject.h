@@ -87,7 +87,13 @@ class Subject {
     /// Waits until the watched pixel has the colour and returns when the frame with it had arrived.
     virtual Clock::time_point waitForColour(const Pixel& colour) = 0;
 
+    /// Kills the process of the page, which then has to be loaded again.
+    virtual void killPage() { throw NotServed("Nobody loads the page again."); }
+
   protected:
+    /// Of a side with the library's browser engine.
+    static void killPageProcesses();
+
     /// How long show() lets a page run.
     static constexpr std::chrono::milliseconds warmUp{1000};
 

@@ -74,6 +74,23 @@ TEST_F(RecoveryTest, APageWhoseProcessDiesIsLoadedAgainOnce) {
     EXPECT_EQ(view.evaluate("1 + 1"), "2");
 }
 
+TEST_F(RecoveryTest, APageThatDiesIsSeenUntilItIsThereAgain) {
+    loadHtml(view, colourPage(255, 0, 0));
+    ASSERT_TRUE(waitForPixels(view, [](const Image& image) { return isFilled(image, 255, 0, 0); }));
+    // More pictures than the memory for them, so that each of it was used before.
+    for (const int blue : {50, 100, 150, 200, 250}) {
+        view.evaluate("document.body.style.background = 'rgb(0, 0, " + std::to_string(blue) + ")'");
+        ASSERT_TRUE(waitForPixels(view, [&](const Image& image) { return isFilled(image, 0, 0, blue); }));
+    }
+    killPage();
+    EXPECT_TRUE(waitForPixels(view, [](const Image& image) {
+        for (const int blue : {50, 100, 150, 200}) {
+            EXPECT_FALSE(isFilled(image, 0, 0, blue)) << blue;
+        }
+        return isFilled(image, 255, 0, 0);
+    }));
+}
+
 TEST_F(RecoveryTest, APageInAnEndlessLoopHoldsNobodyUp) {
     server.page("/page", "<title>page</title>");
     {

@@ -26,6 +26,25 @@ struct cairo_objects {
 /// More than any widget's area.
 constexpr cairo_rectangle_int_t everything{0, 0, 1 << 20, 1 << 20};
 
+/// A pixel that tells whether the widget has been painted, since none of its own can be without colour and
+/// opacity. It stays as it was if not.
+class witness {
+  public:
+    explicit witness(uint32_t* pixel) : pixel(pixel), original(pixel ? std::exchange(*pixel, 0) : 0) {}
+
+    bool has_seen_paint() {
+        if (pixel && *pixel == 0) {
+            *pixel = original;
+            return false;
+        }
+        return true;
+    }
+
+  private:
+    uint32_t* pixel;
+    uint32_t original;
+};
+
 /// How many pictures are kept for reuse: one that the receiver still shows, one to paint the next into.
 constexpr size_t kept_canvases = 2;
 
@@ -145,8 +164,11 @@ picture view_surface::compose(int32_t width, int32_t height) {
     bool const unchanged =
         latest && latest->width == width && latest->height == height && cairo_region_is_empty(latest->stale);
     if (!unchanged) {
-        latest = writable_canvas(width, height);
-        paint(*latest);
+        auto const target = writable_canvas(width, height);
+        bool const is_first = !latest || latest->width != width || latest->height != height;
+        if (paint(*target) || is_first) {
+            latest = target;
+        }
     }
     return lend(latest);
 }
@@ -184,7 +206,9 @@ picture view_surface::lend(std::shared_ptr<canvas> const& lender) {
     return {lender->width, lender->height, std::move(pixels)};
 }
 
-void view_surface::paint(canvas& target) {
+/// False if the widget had nothing to paint, as when the page's process has died: an earlier picture, which
+/// the memory was used for before, would come back then.
+bool view_surface::paint(canvas& target) {
     // A size that was asked for since the last frame has to arrive first: GTK draws only what is laid out.
     gtk_container_check_resize(GTK_CONTAINER(gtk_widget_get_toplevel(widget)));
     cairo_objects const cairo(target.pixels.get(), target.width, target.height);
@@ -204,12 +228,40 @@ void view_surface::paint(canvas& target) {
         cairo_paint(cairo.context);  // what the widget does not cover
     }
     cairo_set_operator(cairo.context, CAIRO_OPERATOR_OVER);
+    cairo_surface_flush(cairo.surface);
+    witness seen(opaque ? stale_pixel(target, allocated_width, allocated_height, scale_x, scale_y) : nullptr);
+    cairo_surface_mark_dirty(cairo.surface);
     painting = true;
     gtk_widget_draw(widget, cairo.context);
     painting = false;
     cairo_surface_flush(cairo.surface);
+    if (!seen.has_seen_paint()) {
+        return false;
+    }
     cairo_region_destroy(target.stale);
     target.stale = cairo_region_create();
+    return true;
+}
+
+/// A pixel that the widget is about to paint, if there is one.
+uint32_t* view_surface::stale_pixel(canvas const& target, int allocated_width, int allocated_height,
+                                    double scale_x, double scale_y) {
+    cairo_rectangle_int_t const area{0, 0, allocated_width, allocated_height};
+    auto* const visible = cairo_region_copy(target.stale);
+    cairo_region_intersect_rectangle(visible, &area);
+    bool const any = cairo_region_num_rectangles(visible) > 0;
+    cairo_rectangle_int_t first{};
+    if (any) {
+        cairo_region_get_rectangle(visible, 0, &first);
+    }
+    cairo_region_destroy(visible);
+    auto const x = static_cast<int>((first.x + first.width / 2) * scale_x);
+    auto const y = static_cast<int>((first.y + first.height / 2) * scale_y);
+    if (!any || x >= target.width || y >= target.height) {
+        return nullptr;
+    }
+    auto const index = static_cast<size_t>(y) * static_cast<size_t>(target.width) + static_cast<size_t>(x);
+    return reinterpret_cast<uint32_t*>(target.pixels.get()) + index;
 }
 
 }  // namespace runtime

@@ -68,7 +68,9 @@ class view_surface {
     picture compose(int32_t width, int32_t height);
     picture lend(std::shared_ptr<canvas> const& lender);
     std::shared_ptr<canvas> writable_canvas(int32_t width, int32_t height);
-    void paint(canvas& target);
+    bool paint(canvas& target);
+    static uint32_t* stale_pixel(canvas const& target, int allocated_width, int allocated_height,
+                                 double scale_x, double scale_y);
 
     GtkWidget* widget;
     gulong draw_handler = 0;

@@ -130,6 +130,8 @@ web_view_object::web_view_object() {
     calls.emplace(view());
     objects.emplace(view());
     tracker.emplace(view(), tracker_events());
+    g_signal_connect(view(), "load-changed", G_CALLBACK(on_load_changed), this);
+    g_signal_connect(view(), "web-process-terminated", G_CALLBACK(on_terminated), this);
     answer_engine_requests(*this);
     gtk_widget_set_size_request(widget.get(), 1, 1);
     gtk_container_add(GTK_CONTAINER(offscreen_window.get()), widget.get());
@@ -216,6 +218,37 @@ void web_view_object::end_wait_for_departure() {
     }
 }
 
+void web_view_object::load_text(std::string const& html) {
+    next_text = html;
+    webkit_web_view_load_html(view(), html.c_str(), nullptr);
+}
+
+void web_view_object::reload() {
+    char const* const uri = webkit_web_view_get_uri(view());
+    if (!uri) {
+        return;
+    }
+    navigate(uri, [this] {
+        if (process_has_ended && !text.empty()) {
+            load_text(text);
+        } else {
+            webkit_web_view_reload(view());
+        }
+    });
+}
+
+void web_view_object::on_load_changed(WebKitWebView*, WebKitLoadEvent event, gpointer data) {
+    auto* const self = static_cast<web_view_object*>(data);
+    if (event == WEBKIT_LOAD_COMMITTED) {
+        self->text = std::exchange(self->next_text, {});
+        self->process_has_ended = false;
+    }
+}
+
+void web_view_object::on_terminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self) {
+    static_cast<web_view_object*>(self)->process_has_ended = true;
+}
+
 void web_view_object::stop() {
     webkit_web_view_stop_loading(view());
     tracker->cancel();
@@ -269,7 +302,11 @@ bool web_view_object::raise_starting(std::string const& uri) {
 navigation_tracker::events web_view_object::tracker_events() {
     return {
         .starting = [this](auto const& uri) { return raise_starting(uri); },
-        .accepted = [this] { objects->install(); },
+        .accepted =
+            [this] {
+                next_text.clear();
+                objects->install();
+            },
         .content_loading = [this] { raise(content_loading, *this, std::make_shared<plain_arguments>()); },
         .dom_content_loaded =
             [this] { raise(dom_content_loaded, *this, std::make_shared<plain_arguments>()); },

@@ -26,6 +26,8 @@ struct web_view_object : ui_element_object {
     /// A page that hangs does not leave when it is asked to. After some seconds its process is ended and
     /// `load` called once more.
     void navigate(std::string const& uri, std::function<void()> load);
+    void load_text(std::string const& html);
+    void reload();
     void stop();
     void request_picture(int32_t width, int32_t height, view_surface::receiver deliver);
 
@@ -52,6 +54,9 @@ struct web_view_object : ui_element_object {
     navigation_tracker::events tracker_events();
     bool raise_starting(std::string const& uri);
 
+    static void on_load_changed(WebKitWebView*, WebKitLoadEvent event, gpointer self);
+    static void on_terminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self);
+
     void wait_for_departure(std::function<void()> load);
     void end_wait_for_departure();
 
@@ -63,6 +68,10 @@ struct web_view_object : ui_element_object {
     std::optional<navigation_tracker> tracker;
     std::function<void()> load_again;  // when the page has not left in time
     guint departure_timer = 0;
+    // Of a page that was given as text, which the engine does not keep when the page's process ends.
+    std::string text;
+    std::string next_text;  // while the page is on its way
+    bool process_has_ended = false;
     winrt::Windows::UI::Color background_color = winrt::Windows::UI::Colors::White();
 };
 

@@ -158,9 +158,7 @@ void WebView::NavigateToLocalStreamUri(Foundation::Uri const& source,
 
 void WebView::NavigateToString(param::hstring const& text) const {
     auto& object = object_of<web_view_object>(*this);
-    object.navigate("about:blank", [&object, html = to_string(text.value)] {
-        webkit_web_view_load_html(object.view(), html.c_str(), nullptr);
-    });
+    object.navigate("about:blank", [&object, html = to_string(text.value)] { object.load_text(html); });
 }
 
 void WebView::NavigateWithHttpRequestMessage(Web::Http::HttpRequestMessage const& requestMessage) const {
@@ -179,10 +177,7 @@ void WebView::GoForward() const {
 }
 
 void WebView::Refresh() const {
-    auto& object = object_of<web_view_object>(*this);
-    if (char const* const uri = webkit_web_view_get_uri(object.view())) {
-        object.navigate(uri, [&object] { webkit_web_view_reload(object.view()); });
-    }
+    object_of<web_view_object>(*this).reload();
 }
 
 void WebView::Stop() const {
