@@ -85,11 +85,7 @@ TEST_F(InputTest, AClickUsesWhatItHits) {
               "clicked,true,text,true");
     const auto from = recorder().position();
     plugin().WebView_click(view.handle(), 10, 95);
-    EXPECT_TRUE(recorder().waitFor(
-        [&](const Record& record) {
-            return record.target == view.target() && record.method == "HandleLoadFinished";
-        },
-        from));
+    EXPECT_TRUE(view.waitForMessage("HandleLoadFinished", from));
     EXPECT_EQ(evaluate("location.pathname"), "/next");
 }
 
@@ -135,22 +131,6 @@ TEST_F(InputTest, TextGoesIntoTheFocusedField) {
     EXPECT_EQ(evaluate("edit.innerText"), "ab");
     press("Backspace");
     EXPECT_EQ(evaluate("edit.innerText"), "a");
-}
-
-TEST_F(InputTest, EnterSubmitsTheFormOfAnInput) {
-    server.page("/page", "<form action=/sent><input name=q></form>");
-    server.page("/sent", "<p>sent");
-    load(view, server.url("/page"));
-    evaluate("document.querySelector('input').focus()");
-    type("a b");
-    const auto from = recorder().position();
-    press("Enter");
-    EXPECT_TRUE(recorder().waitFor(
-        [&](const Record& record) {
-            return record.target == view.target() && record.method == "HandleLoadFinished";
-        },
-        from));
-    EXPECT_EQ(evaluate("location.pathname + location.search"), "/sent?q=a+b");
 }
 
 TEST_F(InputTest, KeysWithoutAFieldScrollThePage) {

@@ -69,22 +69,6 @@ TEST_F(NativeViewTest, IsPlacedSizedShownAndHidden) {
     EXPECT_EQ(errorsSince(0), std::vector<std::string>{});
 }
 
-TEST_F(NativeViewTest, ZoomIsRefusedWithAWarning) {
-    plugin().WebView_zoomIn(view);
-    plugin().WebView_zoomOut(view);
-    std::vector<std::string> warnings;
-    for (const auto& record : recorder().all()) {
-        if (record.kind == Record::Kind::warning) {
-            warnings.push_back(record.payload.substr(record.payload.find(' ') + 1));
-        }
-    }
-    EXPECT_EQ(
-        warnings,
-        (std::vector<std::string>{
-            "IWebView.ZoomIn() was called, but ZoomIn() is disabled when running in native 2D mode.",
-            "IWebView.ZoomOut() was called, but ZoomOut() is disabled when running in native 2D mode."}));
-}
-
 TEST_F(NativeViewTest, MixedRealityFocusTakesTheContentAwayAndBringsItBack) {
     const std::string noContent =
         "UwpWebView::handleMixedRealityAppFocusChanged is unable to restore the window content because it is "

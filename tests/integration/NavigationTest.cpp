@@ -97,8 +97,7 @@ TEST_F(NavigationTest, FailedLoadsEndWithTheStatus) {
     server.on("/download", [](const httplib::Request&, httplib::Response& response) {
         response.set_content("bytes", "application/octet-stream");
     });
-    server.on("/loop",
-              [](const httplib::Request&, httplib::Response& response) { response.set_redirect("/loop"); });
+    server.redirect("/loop", "/loop");
 
     const auto withContent = [](const std::string& url, const std::string& status) {
         return Messages{urlChanged(url), "HandleLoadStarted", "HandleLoadProgressUpdate 0.33",
@@ -145,10 +144,8 @@ TEST_F(NavigationTest, UrlsThatAreNoneAreRefusedWithTheReason) {
 
 TEST_F(NavigationTest, ARedirectIsOneLoad) {
     server.page("/end", "<p>end");
-    server.on("/middle",
-              [](const httplib::Request&, httplib::Response& response) { response.set_redirect("/end"); });
-    server.on("/begin",
-              [](const httplib::Request&, httplib::Response& response) { response.set_redirect("/middle"); });
+    server.redirect("/middle", "/end");
+    server.redirect("/begin", "/middle");
     EXPECT_EQ(messagesOfLoad(server.url("/begin")), successfulLoad(server.url("/begin")));
     EXPECT_EQ(server.requests("/end").size(), 1U);
 }

@@ -63,15 +63,6 @@ TEST_F(PageMessagesTest, MessagesArriveUnchangedAndInOrder) {
     EXPECT_EQ(pageMessagesSince(from),
               (std::vector<std::string>{"plain \"text\" ü 😀 \n", R"({"a":1,"b":["x"]})",
                                         "x zarvik.webview.uwp.iframesNeedBrowserAgent"}));
-
-    const auto before = recorder().position();
-    evaluate("for (let i = 0; i < 5000; i++) zarvik.postMessage(String(i))");
-    EXPECT_TRUE(waitForPageMessage("4999", before));
-    const auto messages = pageMessagesSince(before);
-    ASSERT_EQ(messages.size(), 5000U);
-    for (std::size_t i = 0; i < messages.size(); ++i) {
-        ASSERT_EQ(messages[i], std::to_string(i));
-    }
 }
 
 TEST_F(PageMessagesTest, TheAgentReportsUrlsAndTitles) {
@@ -188,8 +179,18 @@ TEST_F(PageMessagesTest, ThePageIsWhiteUnlessItIsMeantToBeTransparent) {
     EXPECT_EQ(evaluate(layers), "0");
     loadHtml(view, "<body style='background: red'>");
     EXPECT_TRUE(corner(red));
-    loadHtml(view, transparent);
-    EXPECT_TRUE(corner(clear));
+    // Through half of this page shows half of what is behind; nothing remains of the one before.
+    loadHtml(view, transparent + R"(<style>body { margin: 0 } div { position: absolute; left: 0; top: 0;
+        width: 50%; height: 100%; background: rgb(255 0 0 / 50%) } p { display: none }</style><div></div>)");
+    const Image::Pixel halfRed{0, 0, 128, 128};  // premultiplied
+    EXPECT_TRUE(waitForPixels(view, [&](const Image& image) {
+        int wrong = 0;
+        for (std::size_t i = 0; i < image.pixels.size(); ++i) {
+            const bool isLeft = i / 4 % 320 < 160;
+            wrong += std::abs(image.pixels[i] - (isLeft ? halfRed : clear)[i % 4]) > 1 ? 1 : 0;
+        }
+        return wrong == 0;
+    }));
 
     plugin().WebView_setDefaultBackgroundEnabled(view.handle(), 0);
     loadHtml(view, "<p>text");

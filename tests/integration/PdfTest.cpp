@@ -107,9 +107,7 @@ const std::string downloadFailed = "An error occurred while trying to download t
 TEST_F(PdfTest, ADocumentFromTheNetworkIsShownUnderItsUrl) {
     const auto document = makePdf(3);
     servePdf("/redirected.pdf", document);
-    server.on("/some.pdf", [](const httplib::Request&, httplib::Response& response) {
-        response.set_redirect("/redirected.pdf");
-    });
+    server.redirect("/some.pdf", "/redirected.pdf");
     load(view, server.url("/some.pdf"));
     EXPECT_EQ(messagesSince(0, view),
               (std::vector<std::string>{urlChanged(server.url("/some.pdf")), "HandleLoadStarted",
@@ -182,9 +180,7 @@ TEST_F(PdfTest, AFailedDownloadIsAFailedLoadAndLeavesNothing) {
                                           return offset == 0 && sink.write("%PDF-1.7", 8);
                                       });
     });
-    server.on("/loop.pdf", [](const httplib::Request&, httplib::Response& response) {
-        response.set_redirect("/loop.pdf");
-    });
+    server.redirect("/loop.pdf", "/loop.pdf");
     const std::string refused = "http://127.0.0.1:" + std::to_string(closedPort()) + "/a.pdf";
     const std::pair<std::string, std::string> cases[] = {
         {server.url("/missing.pdf"),

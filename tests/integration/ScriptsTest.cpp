@@ -103,13 +103,6 @@ TEST_F(ScriptsTest, FiveHundredScriptsAreAnsweredOnceAndInOrder) {
     }
 }
 
-TEST_F(ScriptsTest, LargeTextsPassBothWays) {
-    loadHtml(view, "<p>page");
-    const std::string large(1'000'000, 'x');
-    EXPECT_EQ(evaluate("'" + large + "'.length"), "1000000");
-    EXPECT_EQ(evaluate("'é'.repeat(500000)").size(), large.size());
-}
-
 TEST_F(ScriptsTest, ANavigationAnswersTheScriptsThatItCutsOff) {
     server.page("/next", "<p>next");
     loadHtml(view, "<p>page");
@@ -136,19 +129,12 @@ TEST_F(ScriptsTest, ANavigationAnswersTheScriptsThatItCutsOff) {
 TEST_F(ScriptsTest, APageThatForbidsEvalCanBeScripted) {
     server.on("/strict", [](const httplib::Request&, httplib::Response& response) {
         response.set_header("Content-Security-Policy", "default-src 'none'; script-src 'nonce-own'");
-        response.set_content(
-            "<title>strict</title><script nonce=own>function tryEval() { try { return String(eval('1')) } "
-            "catch (error) { return error.name } }</script>",
-            "text/html");
+        response.set_content("<title>strict</title>", "text/html");
     });
     load(view, server.url("/strict"));
     EXPECT_EQ(evaluate("1+1"), "2");
     EXPECT_EQ(evaluate("throw new Error('reason')"), "Error: reason");
     EXPECT_EQ(evaluate("typeof zarvik.postMessage"), "function");
-    plugin().WebView_executeJavaScript(view.handle(), "window.fromPage = tryEval()", "");
-    EXPECT_EQ(evaluate("fromPage"), "EvalError");
-    evaluate("setTimeout(() => window.later = tryEval(), 0)");
-    EXPECT_TRUE(waitForResult(view, "window.later", "EvalError"));
 }
 
 TEST_F(ScriptsTest, APageThatTakesTheGlobalsAwayHarmsOnlyItself) {
@@ -177,17 +163,5 @@ TEST_F(ScriptsTest, APageThatTakesTheGlobalsAwayHarmsOnlyItself) {
     EXPECT_EQ(other.evaluate("document.title"), "other");
     EXPECT_TRUE(messagesSince(from, other) == std::vector<std::string>{messagesSince(from, other).back()});
     loadHtml(view, "<p>next");
-    EXPECT_EQ(evaluate("1+1"), "2");
-}
-
-TEST_F(ScriptsTest, ADestroyedViewAnswersNothingAndHarmsNothing) {
-    {
-        View brief(engine, {50, 50});
-        loadHtml(brief, "<p>brief");
-        for (int i = 0; i < 50; ++i) {
-            plugin().WebView_executeJavaScript(brief.handle(), "1", "id");
-        }
-    }
-    loadHtml(view, "<p>page");
     EXPECT_EQ(evaluate("1+1"), "2");
 }

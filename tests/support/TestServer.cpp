@@ -88,6 +88,10 @@ void TestServer::on(const std::string& path, Handler handler) {
     handlers[path] = std::move(handler);
 }
 
+void TestServer::redirect(const std::string& path, const std::string& url) {
+    on(path, [url](const httplib::Request&, httplib::Response& response) { response.set_redirect(url); });
+}
+
 void TestServer::stalledPage(const std::string& path) {
     on(path, [this](const httplib::Request&, httplib::Response& response) {
         const auto limit = std::chrono::steady_clock::now() + stallLimit;

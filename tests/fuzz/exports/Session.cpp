@@ -60,11 +60,8 @@ Session::Session()
     server.on("/slow", late([](const httplib::Request&, httplib::Response& response) {
                   response.set_content("<!doctype html><p>slow", "text/html");
               }));
-    server.on("/redirected",
-              [](const httplib::Request&, httplib::Response& response) { response.set_redirect("/plain"); });
-    server.on("/in-circles", [](const httplib::Request&, httplib::Response& response) {
-        response.set_redirect("/in-circles");
-    });
+    server.redirect("/redirected", "/plain");
+    server.redirect("/in-circles", "/in-circles");
     folder.write("page.html", "<!doctype html><title>local</title><p>local");
     folder.write("document.pdf", document);
 
