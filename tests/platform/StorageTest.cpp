@@ -133,6 +133,27 @@ TEST_F(StorageTest, StreamsHavePlacesOfTheirOwn) {
     EXPECT_EQ(codeOf([&] { await(file.WriteAsync(bufferOf(L"x"))); }), E_ACCESSDENIED);
 }
 
+TEST_F(StorageTest, ReadersTakeOnlyWhatTheyLoaded) {
+    InMemoryRandomAccessStream const memory;
+    DataReader const reader(memory.GetInputStreamAt(2));
+    await(memory.WriteAsync(bufferOf(L"0123456789")));
+    auto const take = [&](size_t count) {
+        std::vector<uint8_t> bytes(count);
+        reader.ReadBytes(bytes);
+        return std::string(bytes.begin(), bytes.end());
+    };
+    EXPECT_EQ(codeOf([&] { take(1); }), E_BOUNDS);
+    EXPECT_EQ(await(reader.LoadAsync(3)), 3u);
+    EXPECT_EQ(take(2), "23");
+    EXPECT_EQ(codeOf([&] { take(2); }), E_BOUNDS);
+    EXPECT_EQ(await(reader.LoadAsync(100)), 5u);
+    memory.Seek(0);
+    await(memory.WriteAsync(bufferOf(L"xxxxxxxxxx")));
+    EXPECT_EQ(take(6), "456789") << "what has been loaded stays";
+    EXPECT_EQ(await(reader.LoadAsync(1)), 0u);
+    EXPECT_EQ(codeOf([] { DataReader(IInputStream(nullptr)); }), E_POINTER);
+}
+
 TEST_F(StorageTest, TemporaryFilesArePrivateAndReplacedInOneStep) {
     auto const temporary = ApplicationData::Current().TemporaryFolder();
     auto const path = winrt::to_string(temporary.Path());
