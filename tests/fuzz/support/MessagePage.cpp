@@ -1,7 +1,5 @@
 #include "fuzz/support/MessagePage.h"
 
-#include <array>
-
 #include "fuzz/support/Require.h"
 
 namespace {
@@ -59,6 +57,10 @@ std::vector<std::string> MessagePage::messagesOf(const std::string& script) {
     return messages;
 }
 
+std::string MessagePage::resultOf(const std::string& script) {
+    return view.evaluate(script).value_or("no answer");
+}
+
 std::u16string toUnits(std::span<const std::uint8_t> bytes) {
     std::u16string text;
     for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
@@ -101,28 +103,4 @@ std::string toUtf8(std::u16string_view text) {
         text.remove_prefix(length == 0 ? 1 : length);
     }
     return bytes;
-}
-
-std::u16string toJson(std::u16string_view text) {
-    constexpr std::u16string_view digits = u"0123456789abcdef";
-    std::u16string json = u"\"";
-    while (!text.empty()) {
-        const char16_t unit = text.front();
-        const auto length = characterLength(text);
-        constexpr std::u16string_view named = u"\"\\\b\f\n\r\t";
-        if (const auto at = named.find(unit); at != std::u16string_view::npos) {
-            json += {u'\\', u"\"\\bfnrt"[at]};
-        } else if (unit < ' ' || length == 0) {
-            json += {u'\\',
-                     u'u',
-                     digits[unit >> 12],
-                     digits[unit >> 8 & 0xF],
-                     digits[unit >> 4 & 0xF],
-                     digits[unit & 0xF]};
-        } else {
-            json += text.substr(0, length);
-        }
-        text.remove_prefix(length == 0 ? 1 : length);
-    }
-    return json + u'"';
 }

@@ -17,6 +17,7 @@ class MessagePage {
 
     /// Runs a script and gives the messages that the engine has got from the page when its result comes.
     std::vector<std::string> messagesOf(const std::string& script);
+    std::string resultOf(const std::string& script);
 
   private:
     MessagePage();
@@ -34,6 +35,3 @@ std::string toScript(std::u16string_view text);
 
 /// As UTF-8; what is no character is U+FFFD.
 std::string toUtf8(std::u16string_view text);
-
-/// As JSON writes it: between quotes, halves of characters escaped.
-std::u16string toJson(std::u16string_view text);
