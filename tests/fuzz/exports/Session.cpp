@@ -6,7 +6,6 @@
 
 #include "fuzz/support/Require.h"
 #include "support/Pdf.h"
-#include "zarvik/host/InterfaceRegistry.h"
 
 using namespace std::chrono_literals;
 
@@ -304,13 +303,24 @@ bool Session::comesTrue(const std::function<bool()>& condition) {
 
 void Session::registerCallbacks() {
     plugin().UnityPluginLoad(zarvik::host::InterfaceRegistry::interfaces());
-    plugin().WebView_setSendMessageFunction(value<ZarvikSendMessageFunction>({.kind = Argument::Kind::own}));
-    plugin().WebView_setDataResultCallback(value<ZarvikDataResultCallback>({.kind = Argument::Kind::own}));
-    const auto line = value<ZarvikLogFunction>({.kind = Argument::Kind::own});
-    plugin().WebView_setLogFunctions(line, line, line);
+    plugin().WebView_setSendMessageFunction(receive);
+    plugin().WebView_setDataResultCallback(receive);
+    plugin().WebView_setLogFunctions(receive, receive, receive);
 }
 
 // What the engine hears
+
+void Session::receive(const char* target, const char* method, const char* payload) {
+    current->onMessage(target, method, payload);
+}
+
+void Session::receive(const char* target, const char* id, const std::uint8_t* bytes, std::int32_t length) {
+    current->onData(target, id, {bytes, static_cast<std::size_t>(length)});
+}
+
+void Session::receive(const char* line) {
+    current->onLine(line);
+}
 
 void Session::onMessage(const char* target, const char* method, const char* payload) {
     {
@@ -500,28 +510,7 @@ void Session::keep(const Step& step, ZarvikRenderFunction function) {
     require(function == renderFunction, "there is one render function", step.text());
 }
 
-template <>
-const char* Session::value(const Argument& argument) {
-    return argument.kind == Argument::Kind::null ? nullptr : argument.text.c_str();
-}
-
-template <>
-std::int32_t Session::value(const Argument& argument) {
-    return static_cast<std::int32_t>(argument.number);
-}
-
-template <>
-ZarvikBool Session::value(const Argument& argument) {
-    return static_cast<ZarvikBool>(argument.number);
-}
-
-template <>
-UwpWebView* Session::value(const Argument& argument) {
-    return static_cast<UwpWebView*>(value<void*>(argument));
-}
-
-template <>
-void* Session::value(const Argument& argument) {
+void* Session::pointer(const Argument& argument) {
     switch (argument.kind) {
         case Argument::Kind::view:
             return argument.pointer;
@@ -532,37 +521,4 @@ void* Session::value(const Argument& argument) {
         default:
             return nullptr;
     }
-}
-
-template <>
-IUnityInterfaces* Session::value(const Argument& argument) {
-    return argument.kind == Argument::Kind::own ? zarvik::host::InterfaceRegistry::interfaces() : nullptr;
-}
-
-template <>
-ZarvikSendMessageFunction Session::value(const Argument& argument) {
-    if (argument.kind != Argument::Kind::own) {
-        return nullptr;
-    }
-    return [](const char* target, const char* method, const char* payload) {
-        current->onMessage(target, method, payload);
-    };
-}
-
-template <>
-ZarvikDataResultCallback Session::value(const Argument& argument) {
-    if (argument.kind != Argument::Kind::own) {
-        return nullptr;
-    }
-    return [](const char* target, const char* id, const std::uint8_t* bytes, std::int32_t length) {
-        current->onData(target, id, {bytes, static_cast<std::size_t>(length)});
-    };
-}
-
-template <>
-ZarvikLogFunction Session::value(const Argument& argument) {
-    if (argument.kind != Argument::Kind::own) {
-        return nullptr;
-    }
-    return [](const char* line) { current->onLine(line); };
 }
