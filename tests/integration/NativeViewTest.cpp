@@ -31,16 +31,8 @@ class NativeViewTest : public EngineTest {
             plugin().WebView_getRawTextureData(view, "picture");
             const auto answer = recorder().waitFor(
                 [](const Record& record) { return record.kind == Record::Kind::data; }, from, 2s);
-            if (answer && answer->bytes.size() == expected.pixels.size()) {
-                Image topDown(expected.width, expected.height);
-                const auto row = static_cast<std::ptrdiff_t>(expected.width) * 4;
-                for (int y = 0; y < expected.height; ++y) {
-                    std::copy_n(answer->bytes.begin() + row * (expected.height - 1 - y), row,
-                                topDown.pixels.begin() + row * y);
-                }
-                if (topDown == expected) {
-                    return true;
-                }
+            if (answer && answer->bytes == upsideDown(expected).pixels) {
+                return true;
             }
             std::this_thread::sleep_for(20ms);
         }

@@ -28,16 +28,6 @@ class ScreenshotTest : public EngineTest {
             << header.message;
         return image;
     }
-
-    static Image upsideDown(const Image& image) {
-        Image result(image.width, image.height);
-        const auto row = static_cast<std::ptrdiff_t>(image.width) * 4;
-        for (int y = 0; y < image.height; ++y) {
-            std::copy_n(image.pixels.begin() + row * y, row,
-                        result.pixels.begin() + row * (image.height - 1 - y));
-        }
-        return result;
-    }
 };
 
 }  // namespace

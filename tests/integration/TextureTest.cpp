@@ -20,14 +20,10 @@ class TextureTest : public EngineTest {
 
     /// Waits until everything that the engine was given has been released.
     bool everythingIsReleased() {
-        for (int i = 0; i < 500; ++i) {
+        return waitUntil([this] {
             engine.takeTurn();
-            if (engine.device().liveObjects() == zarvik::host::GLDevice::LiveObjects{}) {
-                return true;
-            }
-            std::this_thread::sleep_for(10ms);
-        }
-        return false;
+            return engine.device().liveObjects() == zarvik::host::GLDevice::LiveObjects{};
+        });
     }
 };
 
