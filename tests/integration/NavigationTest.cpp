@@ -22,23 +22,9 @@ const std::string failed = "HandleLoadFailed Page load failed with WebErrorStatu
 
 class NavigationTest : public EngineTest {
   protected:
-    /// The messages until a load has ended whose URL-changed message names `url`.
-    Messages messagesUntilLoaded(const std::string& url, std::size_t from) {
-        const auto started = recorder().waitFor(
-            [&](const Record& record) { return "HandleMessageEmitted " + record.payload == urlChanged(url); },
-            from);
-        EXPECT_TRUE(started) << "no navigation to " << url;
-        EXPECT_TRUE(recorder().waitUntil([&](const auto& records) {
-            bool begun = false;
-            for (std::size_t i = from; i < records.size(); ++i) {
-                begun = begun || "HandleMessageEmitted " + records[i].payload == urlChanged(url);
-                if (begun &&
-                    (records[i].method == "HandleLoadFinished" || records[i].method == "HandleLoadFailed")) {
-                    return true;
-                }
-            }
-            return false;
-        }));
+    /// The messages, once as many as expected have come.
+    Messages messagesUntil(std::size_t count, std::size_t from) {
+        EXPECT_TRUE(waitUntil([&] { return messagesSince(from, view).size() >= count; }));
         return messagesSince(from, view);
     }
 
@@ -170,16 +156,16 @@ TEST_F(NavigationTest, HistoryAndReload) {
 
     auto from = recorder().position();
     plugin().WebView_goBack(view.handle());
-    EXPECT_EQ(messagesUntilLoaded(server.url("/one"), from), successfulLoad(server.url("/one")));
+    EXPECT_EQ(messagesUntil(5, from), successfulLoad(server.url("/one")));
     EXPECT_EQ(canGo(), answers("false", "true"));
 
     from = recorder().position();
     plugin().WebView_goForward(view.handle());
-    EXPECT_EQ(messagesUntilLoaded(server.url("/two"), from), successfulLoad(server.url("/two")));
+    EXPECT_EQ(messagesUntil(5, from), successfulLoad(server.url("/two")));
 
     from = recorder().position();
     plugin().WebView_reload(view.handle());
-    EXPECT_EQ(messagesUntilLoaded(server.url("/two"), from), successfulLoad(server.url("/two")));
+    EXPECT_EQ(messagesUntil(5, from), successfulLoad(server.url("/two")));
 
     // With nowhere to go, and without a page, these do nothing.
     const View empty(engine, {10, 10});
@@ -270,7 +256,7 @@ TEST_F(NavigationTest, NavigationsOfThePageItself) {
     for (const auto* path : {"/script", "/form", "/refresh", "/opens", "/blank", "/framed"}) {
         const auto from = recorder().position();
         view.loadUrl(server.url(path));
-        EXPECT_EQ(messagesUntilLoaded(server.url("/end"), from),
+        EXPECT_EQ(messagesUntil(10, from),
                   successfulLoad(server.url(path)) + successfulLoad(server.url("/end")))
             << path;
     }
