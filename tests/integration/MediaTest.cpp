@@ -43,9 +43,7 @@ class MediaTest : public EngineTest {
 }  // namespace
 
 TEST_F(MediaTest, AVideoOfTheWebPlaysAndGoesToAnyPlace) {
-    server.on("/video.webm", [&](const httplib::Request&, httplib::Response& response) {
-        response.set_content(content, "video/webm");  // ranges are the server's business
-    });
+    server.content("/video.webm", "video/webm", content);  // ranges are the server's business
     server.page("/page", page("video.webm"));
     load(view, server.url("/page"));
     expectToPlay();

@@ -80,9 +80,7 @@ TEST_F(NavigationTest, FailedLoadsEndWithTheStatus) {
     server.page("/missing", "<p>not here", 404);
     server.page("/broken", "<p>broken", 500);
     server.on("/empty", [](const httplib::Request&, httplib::Response& response) { response.status = 204; });
-    server.on("/download", [](const httplib::Request&, httplib::Response& response) {
-        response.set_content("bytes", "application/octet-stream");
-    });
+    server.content("/download", "application/octet-stream", "bytes");
     server.redirect("/loop", "/loop");
 
     const auto withContent = [](const std::string& url, const std::string& status) {

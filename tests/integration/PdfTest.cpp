@@ -17,10 +17,7 @@ class PdfTest : public EngineTest {
   protected:
     /// Serves a document, or what is called one.
     void servePdf(const std::string& path, const std::string& content, int status = 200) {
-        server.on(path, [content, status](const httplib::Request&, httplib::Response& response) {
-            response.status = status;
-            response.set_content(content, "application/pdf");
-        });
+        server.content(path, "application/pdf", content, status);
     }
 
     /// Sends the first half of a document, and then nothing more while the test lasts or `holding` is true.

@@ -36,7 +36,7 @@ TEST_F(DownloadTest, SavesWhatTheServerSends) {
     for (int i = 0; i < 300'000; ++i) {
         large += std::to_string(i) + '\0';
     }
-    server.on("/large", [&](auto const&, auto& response) { response.set_content(large, "application/pdf"); });
+    server.content("/large", "application/pdf", large);
     server.redirect("/moved", server.otherOriginUrl("/large"));
     server.on("/empty", [](auto const&, auto& response) { response.status = 204; });
     auto const download = prepare(server.url("/moved"));

@@ -77,9 +77,14 @@ TestServer::~TestServer() {
 }
 
 void TestServer::page(const std::string& path, const std::string& body, int status) {
-    on(path, [body, status](const httplib::Request&, httplib::Response& response) {
+    content(path, "text/html; charset=utf-8", "<!doctype html>" + body, status);
+}
+
+void TestServer::content(const std::string& path, const std::string& type, const std::string& content,
+                         int status) {
+    on(path, [type, content, status](const httplib::Request&, httplib::Response& response) {
         response.status = status;
-        response.set_content("<!doctype html>" + body, "text/html; charset=utf-8");
+        response.set_content(content, type);
     });
 }
 

@@ -34,6 +34,8 @@ class TestServer {
 
     /// Serves an HTML document; `body` is what follows the doctype.
     void page(const std::string& path, const std::string& body, int status = 200);
+    void content(const std::string& path, const std::string& type, const std::string& content,
+                 int status = 200);
     void on(const std::string& path, Handler handler);
     void redirect(const std::string& path, const std::string& url);
 

@@ -34,13 +34,6 @@ void sizes(Engine& engine) {
         session.turn();
     }
     check(session.shows(100, 50), "after many sizes");
-    engine.plugin().WebView_zoomIn(session.view());
-    check(session.shows(90, 45), "zoomed in");
-    engine.plugin().WebView_zoomOut(session.view());
-    engine.plugin().WebView_zoomOut(session.view());
-    check(session.shows(110, 55), "zoomed out");
-    engine.plugin().WebView_zoomIn(session.view());
-
     const int previews = world()->previews;
     engine.plugin().WebView_resize(session.view(), 1001, 9);
     check(session.shows(1001, 9) && world()->previews > previews, "larger than the window");
