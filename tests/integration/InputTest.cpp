@@ -89,19 +89,6 @@ TEST_F(InputTest, AClickUsesWhatItHits) {
     EXPECT_EQ(evaluate("location.pathname"), "/next");
 }
 
-TEST_F(InputTest, ScrollingMovesThePageOrWhatIsUnderThePoint) {
-    loadHtml(view,
-             "<style>* { margin: 0 } #box { height: 100px; overflow: auto; scrollbar-width: none }</style>"
-             "<div id=box><div style='height: 400px'></div></div><div style='height: 2000px'></div>");
-    plugin().WebView_scrollAtPoint(view.handle(), 0, 250, 10, 10);
-    EXPECT_EQ(evaluate("[scrollY, box.scrollTop]"), "0,250");
-    plugin().WebView_scrollAtPoint(view.handle(), 0, 250, 10, 10);
-    plugin().WebView_scrollAtPoint(view.handle(), 0, 25, 10, 10);
-    EXPECT_EQ(evaluate("[scrollY, box.scrollTop]"), "25,300");
-    plugin().WebView_scroll(view.handle(), 0, 100);
-    EXPECT_EQ(evaluate("[scrollY, box.scrollTop]"), "125,300");
-}
-
 TEST_F(InputTest, TextGoesIntoTheFocusedField) {
     // Each character moves the caret by one UTF-16 unit, so what follows an emoji would stand in the middle
     // of it.
@@ -131,16 +118,6 @@ TEST_F(InputTest, TextGoesIntoTheFocusedField) {
     EXPECT_EQ(evaluate("edit.innerText"), "ab");
     press("Backspace");
     EXPECT_EQ(evaluate("edit.innerText"), "a");
-}
-
-TEST_F(InputTest, KeysWithoutAFieldScrollThePage) {
-    loadHtml(view, "<div style='width: 3000px; height: 3000px'></div>");
-    press("ArrowDown");
-    press("ArrowDown");
-    press("ArrowUp");
-    press("ArrowRight");
-    press("Tab");
-    EXPECT_EQ(evaluate("[scrollX, scrollY]"), "50,50");
 }
 
 TEST_F(InputTest, InputGoesOnIntoAFrameWhoseAgentRuns) {
