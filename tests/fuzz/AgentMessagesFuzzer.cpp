@@ -9,8 +9,7 @@
 namespace {
 
 /// The page itself says whether what the engine got, as the variable `got`, is what it gave the agent.
-void check(const std::string& script, const std::string& isRight, bool isForTheLibrary) {
-    auto& page = MessagePage::shared();
+void check(MessagePage& page, const std::string& script, const std::string& isRight, bool isForTheLibrary) {
     const auto received = page.messagesOf(script);
     require(received.size() == (isForTheLibrary ? 0U : 1U), "the agent tells the text once", script);
     for (const auto& message : received) {
@@ -23,17 +22,17 @@ void check(const std::string& script, const std::string& isRight, bool isForTheL
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto units = toUnits({data, size});
-    const auto text = toScript(units);
+    auto& page = MessagePage::shared();
+    const auto text = toScript(toUnits({data, size}));
     // The library reads these itself, wherever in a message their name stands.
     const bool isForTheLibrary =
-        toUtf8(units).find("zarvik.webview.pageTransparencyDetermined") != std::string::npos;
+        page.utf8Of(text).find("zarvik.webview.pageTransparencyDetermined") != std::string::npos;
     check(
-        "console.warn(" + text + ")",
+        page, "console.warn(" + text + ")",
         "got.type === 'zarvik.webview.consoleMessageLogged' && got.level === 'WARNING' && got.message === " +
             text,
         isForTheLibrary);
-    check("zarvik.postMessage({text: " + text + ", list: [" + text + "]})",
+    check(page, "zarvik.postMessage({text: " + text + ", list: [" + text + "]})",
           "got.text === " + text + " && got.list[0] === got.text", isForTheLibrary);
     return 0;
 }
