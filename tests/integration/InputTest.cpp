@@ -120,27 +120,6 @@ TEST_F(InputTest, TextGoesIntoTheFocusedField) {
     EXPECT_EQ(evaluate("edit.innerText"), "a");
 }
 
-TEST_F(InputTest, InputGoesOnIntoAFrameWhoseAgentRuns) {
-    server.page("/frame",
-                "<style>* { margin: 0 } html { overflow: auto }</style><input id=text style='width: 100px; "
-                "height: 20px'>"
-                "<div style='height: 1000px'></div>");
-    server.page("/page",
-                "<style>* { margin: 0 }</style>"
-                "<iframe src=/frame style='border: 0; position: absolute; left: 50px; top: 40px'></iframe>");
-    load(view, server.url("/page"));
-    ASSERT_TRUE(waitForResult(view, "typeof frames[0].__initZarvik", "function"));
-    evaluate("frames[0].__initZarvik({ expectedDevicePixelRatio: 1 })");
-    plugin().WebView_click(view.handle(), 60, 50);
-    ASSERT_TRUE(waitForResult(view, "frames[0].document.activeElement.id", "text"));
-    type("aü");
-    EXPECT_TRUE(waitForResult(view, "frames[0].document.querySelector('input').value", "aü"));
-    press("Backspace");
-    EXPECT_TRUE(waitForResult(view, "frames[0].document.querySelector('input').value", "a"));
-    plugin().WebView_scrollAtPoint(view.handle(), 0, 30, 60, 100);
-    EXPECT_TRUE(waitForResult(view, "frames[0].scrollY", "30"));
-}
-
 TEST_F(InputTest, FocusComesBackToTheFieldThatLostIt) {
     loadHtml(view, "<input id=first><input id=second>");
     evaluate("second.focus()");

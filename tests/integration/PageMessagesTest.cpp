@@ -65,25 +65,6 @@ TEST_F(PageMessagesTest, MessagesArriveUnchangedAndInOrder) {
                                         "x zarvik.webview.uwp.iframesNeedBrowserAgent"}));
 }
 
-TEST_F(PageMessagesTest, TheAgentReportsUrlsAndTitles) {
-    const auto url = server.url("/page");
-    server.page("/page", "<title>first</title>");
-    load(view, url);
-    EXPECT_TRUE(waitForPageMessage(agentUrlChanged(url, "first", "LOAD")));
-    EXPECT_TRUE(waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"first"})"));
-    auto from = recorder().position();
-    evaluate("history.pushState(null, '', '/pushed'); history.replaceState(null, '', '/replaced')");
-    EXPECT_EQ(pageMessagesSince(from),
-              (std::vector<std::string>{agentUrlChanged(server.url("/pushed"), "first", "PUSH_STATE"),
-                                        agentUrlChanged(server.url("/replaced"), "first", "REPLACE_STATE")}));
-    from = recorder().position();
-    evaluate("document.title = 'second \"quoted\"'; location.hash = 'a'");
-    EXPECT_TRUE(waitForPageMessage(
-        agentUrlChanged(server.url("/replaced#a"), R"(second \"quoted\")", "HASH_CHANGE"), from));
-    EXPECT_TRUE(
-        waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"second \"quoted\""})", from));
-}
-
 TEST_F(PageMessagesTest, ConsoleMessagesAreReportedWhileEnabled) {
     const std::string page = "<script>addEventListener('zarvikready', () => console.warn('ready'))</script>";
     loadHtml(view, page);
