@@ -45,20 +45,16 @@ Session::Session()
     server.page("/frames",
                 "<iframe src=/plain></iframe><iframe src='" + server.otherOriginUrl("/plain") + "'>");
     const std::string document = makePdf(2);
-    const auto sendDocument = [document](const httplib::Request&, httplib::Response& response) {
-        response.set_content(document, "application/pdf");
-    };
-    server.on("/document.pdf", sendDocument);
-    const auto late = [](TestServer::Handler handler) -> TestServer::Handler {
-        return [handler = std::move(handler)](const httplib::Request& request, httplib::Response& response) {
+    server.content("/document.pdf", "application/pdf", document);
+    const auto serveLate = [this](const std::string& path, const std::string& type,
+                                  const std::string& content) {
+        server.on(path, [type, content](const httplib::Request&, httplib::Response& response) {
             std::this_thread::sleep_for(200ms);
-            handler(request, response);
-        };
+            response.set_content(content, type);
+        });
     };
-    server.on("/slow.pdf", late(sendDocument));
-    server.on("/slow", late([](const httplib::Request&, httplib::Response& response) {
-                  response.set_content("<!doctype html><p>slow", "text/html");
-              }));
+    serveLate("/slow.pdf", "application/pdf", document);
+    serveLate("/slow", "text/html", "<!doctype html><p>slow");
     server.redirect("/redirected", "/plain");
     server.redirect("/in-circles", "/in-circles");
     folder.write("page.html", "<!doctype html><title>local</title><p>local");
