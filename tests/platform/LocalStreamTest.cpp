@@ -135,20 +135,6 @@ std::string LocalStreamTest::visit(WebView const& view, std::string const& path)
     return ending(view, [&] { go(view, path); });
 }
 
-std::string LocalStreamTest::ending(WebView const& view, std::function<void()> const& start) {
-    auto const end = std::make_shared<std::string>();
-    onUIThread([&] {
-        view.NavigationCompleted([end](auto const&, auto const& arguments) {
-            if (end->empty()) {
-                *end = arguments.IsSuccess() ? "success"
-                                             : std::to_string(static_cast<int>(arguments.WebErrorStatus()));
-            }
-        });
-        start();
-    });
-    return comesTrue([&] { return !end->empty(); }) ? *end : "no end";
-}
-
 std::string LocalStreamTest::run(WebView const& view, std::string const& body) {
     auto const started =
         eval(view, winrt::to_hstring("window.outcome = null; (async () => {" + body +
