@@ -89,6 +89,19 @@ TEST_F(InputTest, AClickUsesWhatItHits) {
     EXPECT_EQ(evaluate("location.pathname"), "/next");
 }
 
+TEST_F(InputTest, ScrollingMovesThePageOrWhatIsUnderThePoint) {
+    loadHtml(view,
+             "<style>* { margin: 0 } #box { height: 100px; overflow: auto; scrollbar-width: none }</style>"
+             "<div id=box><div style='height: 400px'></div></div><div style='height: 2000px'></div>");
+    plugin().WebView_scrollAtPoint(view.handle(), 0, 250, 10, 10);
+    EXPECT_EQ(evaluate("[scrollY, box.scrollTop]"), "0,250");
+    plugin().WebView_scrollAtPoint(view.handle(), 0, 250, 10, 10);
+    plugin().WebView_scrollAtPoint(view.handle(), 0, 25, 10, 10);
+    EXPECT_EQ(evaluate("[scrollY, box.scrollTop]"), "25,300");
+    plugin().WebView_scroll(view.handle(), 0, 100);
+    EXPECT_EQ(evaluate("[scrollY, box.scrollTop]"), "125,300");
+}
+
 TEST_F(InputTest, TextGoesIntoTheFocusedField) {
     // Each character moves the caret by one UTF-16 unit, so what follows an emoji would stand in the middle
     // of it.
@@ -118,6 +131,49 @@ TEST_F(InputTest, TextGoesIntoTheFocusedField) {
     EXPECT_EQ(evaluate("edit.innerText"), "ab");
     press("Backspace");
     EXPECT_EQ(evaluate("edit.innerText"), "a");
+}
+
+TEST_F(InputTest, EnterSubmitsTheFormOfAnInput) {
+    server.page("/page", "<form action=/sent><input name=q></form>");
+    server.page("/sent", "<p>sent");
+    load(view, server.url("/page"));
+    evaluate("document.querySelector('input').focus()");
+    type("a b");
+    const auto from = recorder().position();
+    press("Enter");
+    EXPECT_TRUE(view.waitForMessage("HandleLoadFinished", from));
+    EXPECT_EQ(evaluate("location.pathname + location.search"), "/sent?q=a+b");
+}
+
+TEST_F(InputTest, KeysWithoutAFieldScrollThePage) {
+    loadHtml(view, "<div style='width: 3000px; height: 3000px'></div>");
+    press("ArrowDown");
+    press("ArrowDown");
+    press("ArrowUp");
+    press("ArrowRight");
+    press("Tab");
+    EXPECT_EQ(evaluate("[scrollX, scrollY]"), "50,50");
+}
+
+TEST_F(InputTest, InputGoesOnIntoAFrameWhoseAgentRuns) {
+    server.page("/frame",
+                "<style>* { margin: 0 } html { overflow: auto }</style><input id=text style='width: 100px; "
+                "height: 20px'>"
+                "<div style='height: 1000px'></div>");
+    server.page("/page",
+                "<style>* { margin: 0 }</style>"
+                "<iframe src=/frame style='border: 0; position: absolute; left: 50px; top: 40px'></iframe>");
+    load(view, server.url("/page"));
+    ASSERT_TRUE(waitForResult(view, "typeof frames[0].__initZarvik", "function"));
+    evaluate("frames[0].__initZarvik({ expectedDevicePixelRatio: 1 })");
+    plugin().WebView_click(view.handle(), 60, 50);
+    ASSERT_TRUE(waitForResult(view, "frames[0].document.activeElement.id", "text"));
+    type("aü");
+    EXPECT_TRUE(waitForResult(view, "frames[0].document.querySelector('input').value", "aü"));
+    press("Backspace");
+    EXPECT_TRUE(waitForResult(view, "frames[0].document.querySelector('input').value", "a"));
+    plugin().WebView_scrollAtPoint(view.handle(), 0, 30, 60, 100);
+    EXPECT_TRUE(waitForResult(view, "frames[0].scrollY", "30"));
 }
 
 TEST_F(InputTest, FocusComesBackToTheFieldThatLostIt) {

@@ -42,6 +42,15 @@ class MediaTest : public EngineTest {
 
 }  // namespace
 
+TEST_F(MediaTest, AVideoOfTheWebPlaysAndGoesToAnyPlace) {
+    server.on("/video.webm", [&](const httplib::Request&, httplib::Response& response) {
+        response.set_content(content, "video/webm");  // ranges are the server's business
+    });
+    server.page("/page", page("video.webm"));
+    load(view, server.url("/page"));
+    expectToPlay();
+}
+
 TEST_F(MediaTest, AVideoOnDiskPlaysAndGoesToAnyPlace) {
     folder.write("a b%20/video ü.webm", content);
     load(view, fileUrl(folder.write("page.html", page("a b%2520/video ü.webm"))));
