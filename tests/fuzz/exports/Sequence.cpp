@@ -92,8 +92,10 @@ class Decoder {
                 return step(Step::Action::render, {number(takeOneOf(smallNumbers))});
             case 240 ... 243:
                 return step(Step::Action::wait, {number(input.takeByte() % longestWait)});
-            case 244 ... 247:
+            case 244 ... 246:
                 return waitForLoad();
+            case 247:
+                return step(Step::Action::killPage, {number(input.takeByte() % mostViews)});
             case 248:
                 return step(Step::Action::failDevice, {number(input.takeByte() % 3)});
             case 249:

@@ -94,6 +94,7 @@ class Session {
     void callInCallback();
     void waitForLoad(int view);
     void failDevice(int what);
+    void killPage(std::size_t index);
     void renderTurn();
     void end();
     void registerCallbacks();
@@ -116,7 +117,10 @@ class Session {
     void* takeTexture(std::size_t index);
     bool comesTrue(const std::function<bool()>& condition);
 
+    static bool isUtf8(std::string_view text);
+
     static Session* current;
+    static int something;  // stands for what a pointer of nobody's leads to
     // Of the thread's call.
     static thread_local Lane ownLane;
     static thread_local int ownView;
