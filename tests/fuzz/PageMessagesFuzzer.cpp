@@ -28,13 +28,14 @@ void checkParsing(std::string_view text) {
 }
 
 void checkArrival(std::u16string_view text) {
-    const auto utf8 = toUtf8(text);
+    auto& page = MessagePage::shared();
+    const auto script = toScript(text);
+    const auto utf8 = page.utf8Of(script);
     std::vector<std::string> expected;
     if (!isForTheLibrary(utf8)) {
         expected.emplace_back(utf8.c_str());
     }
-    const auto received =
-        MessagePage::shared().messagesOf("_zarvikBridge.postMessage(" + toScript(text) + ")");
+    const auto received = page.messagesOf("_zarvikBridge.postMessage(" + script + ")");
     require(received == expected, "a page's message arrives once and as it is",
             readable(utf8) + ": " + std::to_string(received.size()) + " messages" +
                 (received.empty() ? "" : ", " + readable(received.front())));

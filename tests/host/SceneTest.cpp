@@ -85,13 +85,9 @@ TEST(ShapeTest, ACurvedSurfaceShowsThePageEvenlyAlongItsArc) {
 
 TEST(ShapeTest, EachSideOfABoxShowsThePageTheRightWayRound) {
     const auto box = Shape::make(Shape::Kind::box, {1600, 900});
-    struct Side {
-        Ray ray;
-    };
     const double offset = box.width / 4;  // to the viewer's right
-    for (const auto& [ray] :
-         {Side{{{offset, 0.5, 10}, {0, 0, -1}}}, Side{{{10, 0.5, -offset}, {-1, 0, 0}}},
-          Side{{{-offset, 0.5, -10}, {0, 0, 1}}}, Side{{{-10, 0.5, offset}, {1, 0, 0}}}}) {
+    for (const Ray& ray : {Ray{{offset, 0.5, 10}, {0, 0, -1}}, Ray{{10, 0.5, -offset}, {-1, 0, 0}},
+                           Ray{{-offset, 0.5, -10}, {0, 0, 1}}, Ray{{-10, 0.5, offset}, {1, 0, 0}}}) {
         const auto hit = box.firstHit(ray);
         ASSERT_TRUE(hit);
         EXPECT_TRUE(hit->front);

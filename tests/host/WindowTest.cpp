@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <thread>
 
 #include "Scenery.h"
 #include "host/PlayerProgram.h"
+#include "support/EngineTest.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestServer.h"
 
@@ -36,16 +36,6 @@ const std::string reportingPage = R"(<title>Reporting</title><style>body { margi
     addEventListener('pointerdown', (event) => { if (event.button === 2) { fetch('/right'); } });
     addEventListener('scroll', () => fetch('/scrolled-' + scrollY));
     </script>)";
-
-bool waitUntil(const std::function<bool()>& satisfied) {
-    for (int i = 0; i < 1500; ++i) {
-        if (satisfied()) {
-            return true;
-        }
-        std::this_thread::sleep_for(milliseconds(20));
-    }
-    return false;
-}
 
 /// The X server's mouse and keyboard. Without a window manager the window stands in the upper left corner.
 class Desktop {

@@ -15,11 +15,6 @@ using zarvik::host::Size;
 class CaptureTest : public EngineTest, public testing::WithParamInterface<bool> {
   protected:
     bool streamPath() const { return GetParam(); }
-
-    bool showsPattern(const View& view, int width, int height) {
-        const auto expected = testPattern(width, height);
-        return waitForPixels(view, [&](const Image& image) { return image == expected; });
-    }
 };
 
 std::string pathName(const testing::TestParamInfo<bool>& info) {
@@ -103,7 +98,7 @@ TEST_P(CaptureTest, AnAnimatedPageKeepsComingAndStopsOnRequest) {
 TEST_P(CaptureTest, AnEngineThatPausesSeesTheNewestPicture) {
     View view(engine, {60, 40}, streamPath());
     loadHtml(view, "<body style='background: red'>");
-    ASSERT_TRUE(waitForPixels(view, [](const Image& image) { return isFilled(image, 255, 0, 0); }));
+    ASSERT_TRUE(showsColour(view, 255, 0, 0));
 
     std::vector<Image> seen;
     engine.setDrawing([&, uploads = view.uploads()] {
@@ -127,27 +122,8 @@ TEST_P(CaptureTest, AnEngineThatPausesSeesTheNewestPicture) {
     }
     pauseEnds.set_value();
     pause.join();
-    EXPECT_TRUE(waitForPixels(view, [](const Image& image) { return isFilled(image, 0, 0, 255); }));
+    EXPECT_TRUE(showsColour(view, 0, 0, 255));
     engine.setDrawing(nullptr);
     ASSERT_FALSE(seen.empty());
     EXPECT_TRUE(isFilled(seen.front(), 0, 0, 255));
-}
-
-TEST_P(CaptureTest, TwoViewsShowTheirOwnPages) {
-    View one(engine, {200, 100}, streamPath());
-    View two(engine, {100, 200}, !streamPath());
-    one.loadHtml(colourPage(200, 10, 20));
-    two.loadHtml(colourPage(30, 40, 250));
-    EXPECT_TRUE(waitForPixels(one, [](const Image& image) { return isFilled(image, 200, 10, 20); }));
-    EXPECT_TRUE(waitForPixels(two, [](const Image& image) { return isFilled(image, 30, 40, 250); }));
-    EXPECT_EQ(one.readPixels().width, 200);
-    EXPECT_EQ(two.readPixels().height, 200);
-}
-
-TEST_P(CaptureTest, APageThatReplacesAnotherLeavesNothingOfIt) {
-    View view(engine, {300, 200}, streamPath());
-    loadHtml(view, patternPage);
-    ASSERT_TRUE(showsPattern(view, 300, 200));
-    loadHtml(view, colourPage(1, 2, 3));
-    EXPECT_TRUE(waitForPixels(view, [](const Image& image) { return isFilled(image, 1, 2, 3); }));
 }

@@ -70,16 +70,10 @@ TEST_F(CookiesTest, PagesAndTheEngineShareThem) {
     load(view, server.url("/page"));
     ASSERT_TRUE(server.waitForRequest("/seen"));
     EXPECT_NE(server.requests("/page").at(0).header("Cookie").find("fromEngine=yes"), std::string::npos);
-    for (int i = 0; i < 100 && cookies(url, "fromPage").empty(); ++i) {
-        std::this_thread::sleep_for(20ms);
-    }
-    EXPECT_EQ(cookies(url, "fromPage").size(), 1U);
+    EXPECT_TRUE(waitUntil([&] { return cookies(url, "fromPage").size() == 1; }));
 
     plugin().WebView_clearAllData();
-    for (int i = 0; i < 100 && !cookies(url).empty(); ++i) {
-        std::this_thread::sleep_for(20ms);
-    }
-    EXPECT_TRUE(cookies(url).empty());
+    EXPECT_TRUE(waitUntil([&] { return cookies(url).empty(); }));
 }
 
 TEST_F(CookiesTest, BadInputIsRefusedWithALogLine) {
@@ -122,9 +116,7 @@ TEST_F(CookiesTest, AreAnsweredFromAnyThreadWhileAPageHangs) {
         }
     });
     plugin().WebView_canGoBack(view.handle());
-    for (int i = 0; i < 500 && fromCallback < 0; ++i) {
-        std::this_thread::sleep_for(10ms);
-    }
+    EXPECT_TRUE(waitUntil([&] { return fromCallback >= 0; }));
     EXPECT_EQ(fromCallback, 1);
     recorder().setObserver(nullptr);
 }

@@ -85,11 +85,7 @@ TEST_F(InputTest, AClickUsesWhatItHits) {
               "clicked,true,text,true");
     const auto from = recorder().position();
     plugin().WebView_click(view.handle(), 10, 95);
-    EXPECT_TRUE(recorder().waitFor(
-        [&](const Record& record) {
-            return record.target == view.target() && record.method == "HandleLoadFinished";
-        },
-        from));
+    EXPECT_TRUE(view.waitForMessage("HandleLoadFinished", from));
     EXPECT_EQ(evaluate("location.pathname"), "/next");
 }
 
@@ -145,11 +141,7 @@ TEST_F(InputTest, EnterSubmitsTheFormOfAnInput) {
     type("a b");
     const auto from = recorder().position();
     press("Enter");
-    EXPECT_TRUE(recorder().waitFor(
-        [&](const Record& record) {
-            return record.target == view.target() && record.method == "HandleLoadFinished";
-        },
-        from));
+    EXPECT_TRUE(view.waitForMessage("HandleLoadFinished", from));
     EXPECT_EQ(evaluate("location.pathname + location.search"), "/sent?q=a+b");
 }
 

@@ -21,8 +21,7 @@ class LifecycleTest : public EngineTest {
     void expectNewViewWorks() {
         View view(engine, {64, 48});
         loadHtml(view, patternPage);
-        const auto expected = testPattern(64, 48);
-        EXPECT_TRUE(waitForPixels(view, [&](const Image& image) { return image == expected; }));
+        EXPECT_TRUE(showsPattern(view, 64, 48));
     }
 };
 
@@ -56,33 +55,21 @@ std::ostream& operator<<(std::ostream& stream, const Holdings& holdings) {
 
 TEST_F(LifecycleTest, SizesThatAreNoneLeaveTheViewUsable) {
     for (const auto& [width, height] :
-         {std::pair{0, 0}, {-5, 10}, {10, -1}, {20000, 20000}, {20000, 1}, {1, 1}}) {
+         {std::pair{0, 0}, {-5, 10}, {10, -1}, {20000, 20000}, {20000, 1}, {16385, 2}}) {
+        SCOPED_TRACE(std::to_string(width) + "x" + std::to_string(height));
         View view(engine, {width, height});
-        view.loadHtml(colourPage(1, 2, 3));
-        const auto result = view.waitForLoad();
-        EXPECT_TRUE(result) << width << "x" << height << ": " << result.reason;
+        loadHtml(view, colourPage(1, 2, 3));
         plugin().WebView_resize(view.handle(), 40, 30);
-        view.loadHtml(patternPage);
-        const auto expected = testPattern(40, 30);
-        EXPECT_TRUE(waitForPixels(view, [&](const Image& image) { return image == expected; }))
-            << width << "x" << height;
-    }
-    EXPECT_TRUE(waitForError("Texture creation failed with code: "));
-}
-
-TEST_F(LifecycleTest, ResizeToSizesThatAreNone) {
-    View view(engine, {60, 50});
-    loadHtml(view, patternPage);
-    for (const auto& [width, height] : {std::pair{0, 0}, {-5, 10}, {10, -1}, {20000, 20000}, {16385, 2}}) {
+        loadHtml(view, patternPage);
+        EXPECT_TRUE(showsPattern(view, 40, 30));
         const auto from = recorder().position();
         plugin().WebView_resize(view.handle(), width, height);
-        EXPECT_TRUE(
-            recorder().waitFor([](const Record& record) { return record.kind == Record::Kind::error; }, from))
-            << width << "x" << height;
+        EXPECT_TRUE(recorder().waitFor(
+            [](const Record& record) { return record.kind == Record::Kind::error; }, from));
+        plugin().WebView_resize(view.handle(), 70, 31);
+        EXPECT_TRUE(showsPattern(view, 70, 31));
     }
-    plugin().WebView_resize(view.handle(), 70, 31);
-    const auto expected = testPattern(70, 31);
-    EXPECT_TRUE(waitForPixels(view, [&](const Image& image) { return image == expected; }));
+    EXPECT_TRUE(waitForError("Texture creation failed with code: "));
 }
 
 TEST_F(LifecycleTest, CallsRightAfterCreationAndRightBeforeDestruction) {
@@ -132,20 +119,6 @@ TEST_F(LifecycleTest, DestroyedInMidLoadAndInMidCapture) {
     expectNewViewWorks();
 }
 
-TEST_F(LifecycleTest, APageInAnEndlessLoopHoldsUpNobody) {
-    server.page("/hang",
-                "<script>onload = () => setTimeout(() => { fetch('/hanging'); setTimeout(() => { for (;;); "
-                "}, 100) })</script>");
-    auto hanging = std::make_unique<View>(engine, zarvik::host::Size{100, 100});
-    load(*hanging, server.url("/hang"));
-    ASSERT_TRUE(server.waitForRequest("/hanging"));
-    std::this_thread::sleep_for(300ms);
-    expectNewViewWorks();
-    plugin().WebView_resize(hanging->handle(), 200, 200);
-    hanging.reset();
-    expectNewViewWorks();
-}
-
 TEST_F(LifecycleTest, EightViewsAtOnce) {
     std::vector<std::unique_ptr<View>> views;
     const auto colour = [](int number) { return 20 + 25 * number; };
@@ -182,8 +155,7 @@ TEST_F(LifecycleTest, ManyCyclesLeaveNothingBehind) {
     const auto cycle = [&](int i) {
         View view(engine, {160, 120}, i % 2 == 0);
         loadHtml(view, colourPage(i % 256, 20, 30));
-        EXPECT_TRUE(
-            waitForPixels(view, [&](const Image& image) { return isFilled(image, i % 256, 20, 30); }));
+        EXPECT_TRUE(showsColour(view, i % 256, 20, 30));
     };
     for (int i = 0; i < warmUp; ++i) {
         cycle(i);

@@ -53,20 +53,6 @@ TEST_F(LocalFilesTest, APageHasItsOwnResourcesWhateverTheFolderIsCalled) {
     EXPECT_EQ(evaluate("[document.body.clientWidth, document.images[0].width].join()"), "123,37");
 }
 
-TEST_F(LocalFilesTest, LocalAndWebPagesShareAHistory) {
-    const auto page = folder.write("page.html", "<!doctype html><title>local</title>");
-    server.page("/page", "<title>web</title>");
-    loadFile(page);
-    load(view, server.url("/page"));
-    plugin().WebView_goBack(view.handle());
-    EXPECT_TRUE(waitForResult(view, "document.title", "local"));
-    folder.write("page.html", "<!doctype html><title>changed</title>");
-    plugin().WebView_reload(view.handle());
-    EXPECT_TRUE(waitForResult(view, "document.title", "changed"));
-    plugin().WebView_goForward(view.handle());
-    EXPECT_TRUE(waitForResult(view, "document.title", "web"));
-}
-
 TEST_F(LocalFilesTest, WhatIsNoReadableFileFailsAtOnceAndHarmsNothing) {
     folder.write("page.html", "<!doctype html><title>page</title>");
     std::filesystem::create_directory_symlink("/", folder / "link");

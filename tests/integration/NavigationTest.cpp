@@ -22,23 +22,9 @@ const std::string failed = "HandleLoadFailed Page load failed with WebErrorStatu
 
 class NavigationTest : public EngineTest {
   protected:
-    /// The messages until a load has ended whose URL-changed message names `url`.
-    Messages messagesUntilLoaded(const std::string& url, std::size_t from) {
-        const auto started = recorder().waitFor(
-            [&](const Record& record) { return "HandleMessageEmitted " + record.payload == urlChanged(url); },
-            from);
-        EXPECT_TRUE(started) << "no navigation to " << url;
-        EXPECT_TRUE(recorder().waitUntil([&](const auto& records) {
-            bool begun = false;
-            for (std::size_t i = from; i < records.size(); ++i) {
-                begun = begun || "HandleMessageEmitted " + records[i].payload == urlChanged(url);
-                if (begun &&
-                    (records[i].method == "HandleLoadFinished" || records[i].method == "HandleLoadFailed")) {
-                    return true;
-                }
-            }
-            return false;
-        }));
+    /// The messages, once as many as expected have come.
+    Messages messagesUntil(std::size_t count, std::size_t from) {
+        EXPECT_TRUE(waitUntil([&] { return messagesSince(from, view).size() >= count; }));
         return messagesSince(from, view);
     }
 
@@ -94,11 +80,8 @@ TEST_F(NavigationTest, FailedLoadsEndWithTheStatus) {
     server.page("/missing", "<p>not here", 404);
     server.page("/broken", "<p>broken", 500);
     server.on("/empty", [](const httplib::Request&, httplib::Response& response) { response.status = 204; });
-    server.on("/download", [](const httplib::Request&, httplib::Response& response) {
-        response.set_content("bytes", "application/octet-stream");
-    });
-    server.on("/loop",
-              [](const httplib::Request&, httplib::Response& response) { response.set_redirect("/loop"); });
+    server.content("/download", "application/octet-stream", "bytes");
+    server.redirect("/loop", "/loop");
 
     const auto withContent = [](const std::string& url, const std::string& status) {
         return Messages{urlChanged(url), "HandleLoadStarted", "HandleLoadProgressUpdate 0.33",
@@ -145,10 +128,8 @@ TEST_F(NavigationTest, UrlsThatAreNoneAreRefusedWithTheReason) {
 
 TEST_F(NavigationTest, ARedirectIsOneLoad) {
     server.page("/end", "<p>end");
-    server.on("/middle",
-              [](const httplib::Request&, httplib::Response& response) { response.set_redirect("/end"); });
-    server.on("/begin",
-              [](const httplib::Request&, httplib::Response& response) { response.set_redirect("/middle"); });
+    server.redirect("/middle", "/end");
+    server.redirect("/begin", "/middle");
     EXPECT_EQ(messagesOfLoad(server.url("/begin")), successfulLoad(server.url("/begin")));
     EXPECT_EQ(server.requests("/end").size(), 1U);
 }
@@ -173,16 +154,16 @@ TEST_F(NavigationTest, HistoryAndReload) {
 
     auto from = recorder().position();
     plugin().WebView_goBack(view.handle());
-    EXPECT_EQ(messagesUntilLoaded(server.url("/one"), from), successfulLoad(server.url("/one")));
+    EXPECT_EQ(messagesUntil(5, from), successfulLoad(server.url("/one")));
     EXPECT_EQ(canGo(), answers("false", "true"));
 
     from = recorder().position();
     plugin().WebView_goForward(view.handle());
-    EXPECT_EQ(messagesUntilLoaded(server.url("/two"), from), successfulLoad(server.url("/two")));
+    EXPECT_EQ(messagesUntil(5, from), successfulLoad(server.url("/two")));
 
     from = recorder().position();
     plugin().WebView_reload(view.handle());
-    EXPECT_EQ(messagesUntilLoaded(server.url("/two"), from), successfulLoad(server.url("/two")));
+    EXPECT_EQ(messagesUntil(5, from), successfulLoad(server.url("/two")));
 
     // With nowhere to go, and without a page, these do nothing.
     const View empty(engine, {10, 10});
@@ -273,7 +254,7 @@ TEST_F(NavigationTest, NavigationsOfThePageItself) {
     for (const auto* path : {"/script", "/form", "/refresh", "/opens", "/blank", "/framed"}) {
         const auto from = recorder().position();
         view.loadUrl(server.url(path));
-        EXPECT_EQ(messagesUntilLoaded(server.url("/end"), from),
+        EXPECT_EQ(messagesUntil(10, from),
                   successfulLoad(server.url(path)) + successfulLoad(server.url("/end")))
             << path;
     }

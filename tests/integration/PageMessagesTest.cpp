@@ -31,12 +31,6 @@ class PageMessagesTest : public EngineTest {
         return payloads;
     }
 
-    static std::string agentUrlChanged(const std::string& url, const std::string& title,
-                                       const std::string& type) {
-        return R"({"type":"zarvik.webview.urlChanged","urlAction":{"Url":")" + url + R"(","Title":")" +
-               title + R"(","Type":")" + type + R"("}})";
-    }
-
     View view{engine, {320, 240}};
 };
 
@@ -54,7 +48,8 @@ TEST_F(PageMessagesTest, MessagesArriveUnchangedAndInOrder) {
     server.page("/page", R"(<script>_zarvikBridge.postMessage('before the agent')</script>)");
     load(view, server.url("/page"));
     EXPECT_TRUE(waitForPageMessage("before the agent"));
-    EXPECT_TRUE(waitForPageMessage(agentUrlChanged(server.url("/page"), "", "LOAD")));
+    EXPECT_TRUE(waitForPageMessage(R"({"type":"zarvik.webview.urlChanged","urlAction":{"Url":")" +
+                                   server.url("/page") + R"(","Title":"","Type":"LOAD"}})"));
     const auto from = recorder().position();
     evaluate(R"(zarvik.postMessage('plain "text" ü 😀 \n'); zarvik.postMessage({ a: 1, b: ['x'] });
                 zarvik.postMessage('zarvik.webview.uwp.iframesNeedBrowserAgent');
@@ -63,34 +58,6 @@ TEST_F(PageMessagesTest, MessagesArriveUnchangedAndInOrder) {
     EXPECT_EQ(pageMessagesSince(from),
               (std::vector<std::string>{"plain \"text\" ü 😀 \n", R"({"a":1,"b":["x"]})",
                                         "x zarvik.webview.uwp.iframesNeedBrowserAgent"}));
-
-    const auto before = recorder().position();
-    evaluate("for (let i = 0; i < 5000; i++) zarvik.postMessage(String(i))");
-    EXPECT_TRUE(waitForPageMessage("4999", before));
-    const auto messages = pageMessagesSince(before);
-    ASSERT_EQ(messages.size(), 5000U);
-    for (std::size_t i = 0; i < messages.size(); ++i) {
-        ASSERT_EQ(messages[i], std::to_string(i));
-    }
-}
-
-TEST_F(PageMessagesTest, TheAgentReportsUrlsAndTitles) {
-    const auto url = server.url("/page");
-    server.page("/page", "<title>first</title>");
-    load(view, url);
-    EXPECT_TRUE(waitForPageMessage(agentUrlChanged(url, "first", "LOAD")));
-    EXPECT_TRUE(waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"first"})"));
-    auto from = recorder().position();
-    evaluate("history.pushState(null, '', '/pushed'); history.replaceState(null, '', '/replaced')");
-    EXPECT_EQ(pageMessagesSince(from),
-              (std::vector<std::string>{agentUrlChanged(server.url("/pushed"), "first", "PUSH_STATE"),
-                                        agentUrlChanged(server.url("/replaced"), "first", "REPLACE_STATE")}));
-    from = recorder().position();
-    evaluate("document.title = 'second \"quoted\"'; location.hash = 'a'");
-    EXPECT_TRUE(waitForPageMessage(
-        agentUrlChanged(server.url("/replaced#a"), R"(second \"quoted\")", "HASH_CHANGE"), from));
-    EXPECT_TRUE(
-        waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"second \"quoted\""})", from));
 }
 
 TEST_F(PageMessagesTest, ConsoleMessagesAreReportedWhileEnabled) {
@@ -188,8 +155,18 @@ TEST_F(PageMessagesTest, ThePageIsWhiteUnlessItIsMeantToBeTransparent) {
     EXPECT_EQ(evaluate(layers), "0");
     loadHtml(view, "<body style='background: red'>");
     EXPECT_TRUE(corner(red));
-    loadHtml(view, transparent);
-    EXPECT_TRUE(corner(clear));
+    // Through half of this page shows half of what is behind; nothing remains of the one before.
+    loadHtml(view, transparent + R"(<style>body { margin: 0 } div { position: absolute; left: 0; top: 0;
+        width: 50%; height: 100%; background: rgb(255 0 0 / 50%) } p { display: none }</style><div></div>)");
+    const Image::Pixel halfRed{0, 0, 128, 128};  // premultiplied
+    EXPECT_TRUE(waitForPixels(view, [&](const Image& image) {
+        int wrong = 0;
+        for (std::size_t i = 0; i < image.pixels.size(); ++i) {
+            const bool isLeft = i / 4 % 320 < 160;
+            wrong += std::abs(image.pixels[i] - (isLeft ? halfRed : clear)[i % 4]) > 1 ? 1 : 0;
+        }
+        return wrong == 0;
+    }));
 
     plugin().WebView_setDefaultBackgroundEnabled(view.handle(), 0);
     loadHtml(view, "<p>text");

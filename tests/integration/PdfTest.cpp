@@ -17,10 +17,7 @@ class PdfTest : public EngineTest {
   protected:
     /// Serves a document, or what is called one.
     void servePdf(const std::string& path, const std::string& content, int status = 200) {
-        server.on(path, [content, status](const httplib::Request&, httplib::Response& response) {
-            response.status = status;
-            response.set_content(content, "application/pdf");
-        });
+        server.content(path, "application/pdf", content, status);
     }
 
     /// Sends the first half of a document, and then nothing more while the test lasts or `holding` is true.
@@ -107,9 +104,7 @@ const std::string downloadFailed = "An error occurred while trying to download t
 TEST_F(PdfTest, ADocumentFromTheNetworkIsShownUnderItsUrl) {
     const auto document = makePdf(3);
     servePdf("/redirected.pdf", document);
-    server.on("/some.pdf", [](const httplib::Request&, httplib::Response& response) {
-        response.set_redirect("/redirected.pdf");
-    });
+    server.redirect("/some.pdf", "/redirected.pdf");
     load(view, server.url("/some.pdf"));
     EXPECT_EQ(messagesSince(0, view),
               (std::vector<std::string>{urlChanged(server.url("/some.pdf")), "HandleLoadStarted",
@@ -182,9 +177,7 @@ TEST_F(PdfTest, AFailedDownloadIsAFailedLoadAndLeavesNothing) {
                                           return offset == 0 && sink.write("%PDF-1.7", 8);
                                       });
     });
-    server.on("/loop.pdf", [](const httplib::Request&, httplib::Response& response) {
-        response.set_redirect("/loop.pdf");
-    });
+    server.redirect("/loop.pdf", "/loop.pdf");
     const std::string refused = "http://127.0.0.1:" + std::to_string(closedPort()) + "/a.pdf";
     const std::pair<std::string, std::string> cases[] = {
         {server.url("/missing.pdf"),

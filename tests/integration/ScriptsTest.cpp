@@ -81,33 +81,14 @@ TEST_F(ScriptsTest, AScriptBeforeAnyPageIsAnsweredWithTheReason) {
 TEST_F(ScriptsTest, FiveHundredScriptsAreAnsweredOnceAndInOrder) {
     loadHtml(view, "<script>var count = 0</script>");
     const auto from = recorder().position();
-    constexpr std::size_t count = 500;
-    for (std::size_t i = 0; i < count; ++i) {
-        plugin().WebView_executeJavaScript(view.handle(), "++count", std::to_string(i).c_str());
+    std::vector<std::string> expected;
+    for (int i = 0; i < 500; ++i) {
+        const auto id = std::to_string(i);
+        plugin().WebView_executeJavaScript(view.handle(), "++count", id.c_str());
+        expected.push_back("HandleJavaScriptResult " + id + "," + std::to_string(i + 1));
     }
-    const auto answers = [&] {
-        std::vector<std::string> payloads;
-        for (const auto& record : recorder().since(from)) {
-            if (record.method == "HandleJavaScriptResult") {
-                payloads.push_back(record.payload);
-            }
-        }
-        return payloads;
-    };
-    EXPECT_TRUE(recorder().waitUntil(
-        [&](const auto& records) { return !records.empty() && records.back().payload == "499,500"; }));
-    const auto payloads = answers();
-    ASSERT_EQ(payloads.size(), count);
-    for (std::size_t i = 0; i < count; ++i) {
-        EXPECT_EQ(payloads[i], std::to_string(i) + "," + std::to_string(i + 1));
-    }
-}
-
-TEST_F(ScriptsTest, LargeTextsPassBothWays) {
-    loadHtml(view, "<p>page");
-    const std::string large(1'000'000, 'x');
-    EXPECT_EQ(evaluate("'" + large + "'.length"), "1000000");
-    EXPECT_EQ(evaluate("'é'.repeat(500000)").size(), large.size());
+    EXPECT_TRUE(waitUntil([&] { return messagesSince(from, view).size() >= expected.size(); }));
+    EXPECT_EQ(messagesSince(from, view), expected);
 }
 
 TEST_F(ScriptsTest, ANavigationAnswersTheScriptsThatItCutsOff) {
@@ -136,19 +117,12 @@ TEST_F(ScriptsTest, ANavigationAnswersTheScriptsThatItCutsOff) {
 TEST_F(ScriptsTest, APageThatForbidsEvalCanBeScripted) {
     server.on("/strict", [](const httplib::Request&, httplib::Response& response) {
         response.set_header("Content-Security-Policy", "default-src 'none'; script-src 'nonce-own'");
-        response.set_content(
-            "<title>strict</title><script nonce=own>function tryEval() { try { return String(eval('1')) } "
-            "catch (error) { return error.name } }</script>",
-            "text/html");
+        response.set_content("<title>strict</title>", "text/html");
     });
     load(view, server.url("/strict"));
     EXPECT_EQ(evaluate("1+1"), "2");
     EXPECT_EQ(evaluate("throw new Error('reason')"), "Error: reason");
     EXPECT_EQ(evaluate("typeof zarvik.postMessage"), "function");
-    plugin().WebView_executeJavaScript(view.handle(), "window.fromPage = tryEval()", "");
-    EXPECT_EQ(evaluate("fromPage"), "EvalError");
-    evaluate("setTimeout(() => window.later = tryEval(), 0)");
-    EXPECT_TRUE(waitForResult(view, "window.later", "EvalError"));
 }
 
 TEST_F(ScriptsTest, APageThatTakesTheGlobalsAwayHarmsOnlyItself) {
@@ -177,17 +151,5 @@ TEST_F(ScriptsTest, APageThatTakesTheGlobalsAwayHarmsOnlyItself) {
     EXPECT_EQ(other.evaluate("document.title"), "other");
     EXPECT_TRUE(messagesSince(from, other) == std::vector<std::string>{messagesSince(from, other).back()});
     loadHtml(view, "<p>next");
-    EXPECT_EQ(evaluate("1+1"), "2");
-}
-
-TEST_F(ScriptsTest, ADestroyedViewAnswersNothingAndHarmsNothing) {
-    {
-        View brief(engine, {50, 50});
-        loadHtml(brief, "<p>brief");
-        for (int i = 0; i < 50; ++i) {
-            plugin().WebView_executeJavaScript(brief.handle(), "1", "id");
-        }
-    }
-    loadHtml(view, "<p>page");
     EXPECT_EQ(evaluate("1+1"), "2");
 }

@@ -20,14 +20,10 @@ class TextureTest : public EngineTest {
 
     /// Waits until everything that the engine was given has been released.
     bool everythingIsReleased() {
-        for (int i = 0; i < 500; ++i) {
+        return waitUntil([this] {
             engine.takeTurn();
-            if (engine.device().liveObjects() == zarvik::host::GLDevice::LiveObjects{}) {
-                return true;
-            }
-            std::this_thread::sleep_for(10ms);
-        }
-        return false;
+            return engine.device().liveObjects() == zarvik::host::GLDevice::LiveObjects{};
+        });
     }
 };
 
@@ -115,7 +111,7 @@ TEST_F(TextureTest, AFailingMapDropsTheFrameAndTheNextOneIsTried) {
 TEST_F(TextureTest, ACreationThatFailsKeepsTheOldTexture) {
     View view(engine, {64, 64});
     loadHtml(view, colourPage(1, 2, 3));
-    ASSERT_TRUE(waitForPixels(view, [](const Image& image) { return isFilled(image, 1, 2, 3); }));
+    ASSERT_TRUE(showsColour(view, 1, 2, 3));
     auto from = recorder().position();
     engine.device().setFaults({.createTexture2D = [](const auto&) { return deviceRemoved; }});
     plugin().WebView_resize(view.handle(), 100, 100);

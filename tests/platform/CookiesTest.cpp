@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <winrt/Windows.UI.Xaml.Controls.h>
 #include <winrt/Windows.Web.Http.Filters.h>
 
 #include <atomic>
@@ -7,6 +6,7 @@
 #include <set>
 #include <thread>
 
+#include "codeOf.h"
 #include "ui_thread.h"
 
 using namespace std::chrono_literals;
@@ -119,13 +119,7 @@ TEST_F(CookiesTest, DeletesWhateverTheValueIs) {
 
 TEST_F(CookiesTest, RefusesWhatTheEngineWouldDrop) {
     const auto expectRefusal = [](const wchar_t* what, auto action) {
-        try {
-            action();
-            ADD_FAILURE() << winrt::to_string(what) << " was accepted";
-        } catch (const winrt::hresult_error& error) {
-            EXPECT_EQ(error.code(), E_INVALIDARG) << winrt::to_string(what);
-            EXPECT_FALSE(error.message().empty());
-        }
+        EXPECT_EQ(codeOf(action), E_INVALIDARG) << winrt::to_string(what);
     };
     for (const auto* name : {L"", L"a;b", L"a=b", L"a\nb", L" a", L"a\u007f"}) {
         expectRefusal(name, [&] { HttpCookie(name, L"cookies.example", L"/"); });
@@ -149,16 +143,6 @@ TEST_F(CookiesTest, RefusesWhatTheEngineWouldDrop) {
     EXPECT_EQ(HttpCookie(L"a", L"cookies.example", L"").Path(), L"/");
 }
 
-TEST_F(CookiesTest, WorksOnTheUserInterfaceThreadItself) {
-    const auto found = ui_thread::instance().invoke([] {
-        manager().SetCookie(makeCookie(L"a", L"1"));
-        manager().DeleteCookie(makeCookie(L"a", L""));
-        manager().SetCookie(makeCookie(L"b", L"2"));
-        return cookiesFor(L"http://cookies.example/");
-    });
-    EXPECT_EQ(found, lines{L"b=2"});
-}
-
 TEST_F(CookiesTest, WorksFromManyThreadsAtOnce) {
     std::vector<std::thread> threads;
     std::atomic<int> wrong = 0;
@@ -171,6 +155,7 @@ TEST_F(CookiesTest, WorksFromManyThreadsAtOnce) {
                     manager().SetCookie(makeCookie(name.c_str(), value.c_str()));
                     wrong += !cookiesFor(L"http://cookies.example/").contains(name + L"=" + value);
                 }
+                manager().DeleteCookie(makeCookie(name.c_str(), L""));
             };
             i % 4 == 0 ? ui_thread::instance().invoke(work) : work();
         });
@@ -179,26 +164,7 @@ TEST_F(CookiesTest, WorksFromManyThreadsAtOnce) {
         thread.join();
     }
     EXPECT_EQ(wrong, 0);
-}
-
-TEST_F(CookiesTest, AnswersWhileAPageHangs) {
-    using winrt::Windows::UI::Xaml::Controls::WebView;
-    auto loading = std::make_shared<std::promise<void>>();
-    const auto view = ui_thread::instance().invoke([&] {
-        WebView created;
-        created.ContentLoading([loading](auto&&...) { loading->set_value(); });
-        created.NavigateToString(L"<script>while (true);</script>");
-        return created;
-    });
-    ASSERT_EQ(loading->get_future().wait_for(20s), std::future_status::ready);
-    std::this_thread::sleep_for(200ms);
-
-    const auto begin = std::chrono::steady_clock::now();
-    manager().SetCookie(makeCookie(L"a", L"1"));
-    EXPECT_EQ(cookiesFor(L"http://cookies.example/"), lines{L"a=1"});
-    ui_thread::instance().invoke([] { manager().DeleteCookie(makeCookie(L"a", L"")); });
     EXPECT_EQ(cookiesFor(L"http://cookies.example/"), lines{});
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, 2s);
 }
 
 // The call that was given up still ends, long after the thread that waited for it has left.
@@ -207,12 +173,7 @@ TEST_F(CookiesTest, GivesUpWhenTheUserInterfaceThreadIsStuck) {
     std::promise<void> release;
     ui_thread::instance().post([stuck = release.get_future().share()] { stuck.wait(); });
     const auto begin = std::chrono::steady_clock::now();
-    try {
-        cookiesFor(L"http://cookies.example/");
-        ADD_FAILURE() << "There was an answer";
-    } catch (const winrt::hresult_error& error) {
-        EXPECT_EQ(error.code(), RPC_E_TIMEOUT);
-    }
+    EXPECT_EQ(codeOf([] { cookiesFor(L"http://cookies.example/"); }), RPC_E_TIMEOUT);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, ui_thread::patience + 2s);
     release.set_value();
     EXPECT_EQ(cookiesFor(L"http://cookies.example/"), lines{L"a=1"});

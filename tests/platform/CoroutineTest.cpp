@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 #include <winrt/Windows.ApplicationModel.Core.h>
 
-#include <future>
 #include <numeric>
 #include <thread>
 
+#include "await.h"
 #include "codeOf.h"
 
 using namespace std::chrono_literals;
@@ -23,24 +23,6 @@ CoreDispatcher dispatcher() {
 
 bool isOnUIThread() {
     return dispatcher().HasThreadAccess();
-}
-
-winrt::fire_and_forget report(IAsyncAction work, std::promise<void> ended) {
-    try {
-        co_await work;
-        ended.set_value();
-    } catch (...) {
-        ended.set_exception(std::current_exception());
-    }
-}
-
-/// Waits for work on a thread that is not the user-interface thread, and throws what it threw.
-void finish(IAsyncAction work) {
-    std::promise<void> ended;
-    auto ending = ended.get_future();
-    report(std::move(work), std::move(ended));
-    ASSERT_EQ(ending.wait_for(20s), std::future_status::ready) << "the work does not end";
-    ending.get();
 }
 
 /// Tells when it is destroyed: it stands for what a coroutine holds.
@@ -80,7 +62,7 @@ IAsyncAction fail(winrt::hresult code, bool later) {
 }  // namespace
 
 TEST(CoroutineTest, GoesOnWhereItAwaits) {
-    finish([]() -> IAsyncAction {
+    await([]() -> IAsyncAction {
         for (int round = 0; round < 20; ++round) {
             co_await winrt::resume_foreground(dispatcher());
             EXPECT_TRUE(isOnUIThread());
@@ -111,7 +93,7 @@ TEST(CoroutineTest, RunsAtOnceUntilItFirstAwaits) {
     struct Threads {
         std::thread::id atStart, afterNoDelay, inBackground;
     } threads;
-    finish([](Threads* threads) -> IAsyncAction {
+    await([](Threads* threads) -> IAsyncAction {
         threads->atStart = std::this_thread::get_id();
         co_await winrt::resume_after(0ms);
         co_await winrt::resume_after(-1h);
@@ -135,11 +117,11 @@ TEST(CoroutineTest, DelaysLastAsLongAsTheySay) {
         co_await winrt::resume_after(std::chrono::hours(24 * 365 * 290));
         *ended = true;
     }(afterCenturies);
-    finish(std::move(short1));
+    await(std::move(short1));
     const auto first = std::chrono::steady_clock::now() - begin;
     EXPECT_GE(first, 30ms);
-    finish(std::move(long1));
-    finish(std::move(long2));
+    await(std::move(long1));
+    await(std::move(long2));
     const auto all = std::chrono::steady_clock::now() - begin;
     EXPECT_GE(all, 120ms);
     EXPECT_LT(all, 10s);
@@ -148,8 +130,8 @@ TEST(CoroutineTest, DelaysLastAsLongAsTheySay) {
 
 TEST(CoroutineTest, ExceptionsReachTheAwaitingSide) {
     for (const bool later : {false, true}) {
-        EXPECT_EQ(codeOf([&] { finish(fail(E_BOUNDS, later)); }), E_BOUNDS);
-        EXPECT_THROW(finish([](bool later) -> IAsyncAction {
+        EXPECT_EQ(codeOf([&] { await(fail(E_BOUNDS, later)); }), E_BOUNDS);
+        EXPECT_THROW(await([](bool later) -> IAsyncAction {
                          if (later) {
                              co_await winrt::resume_foreground(dispatcher());
                          }
@@ -157,7 +139,7 @@ TEST(CoroutineTest, ExceptionsReachTheAwaitingSide) {
                      }(later)),
                      std::runtime_error);
         // Through several levels and threads, and what catches it goes on where it was.
-        finish([](bool later) -> IAsyncAction {
+        await([](bool later) -> IAsyncAction {
             co_await winrt::resume_foreground(dispatcher());
             winrt::hstring message;
             try {
@@ -177,7 +159,7 @@ TEST(CoroutineTest, ExceptionsReachTheAwaitingSide) {
 TEST(CoroutineTest, FrameIsGoneBeforeTheEndIsAnnounced) {
     for (const bool fails : {false, true}) {
         for (const bool onUIThread : {false, true}) {
-            finish([](bool fails, bool onUIThread) -> IAsyncAction {
+            await([](bool fails, bool onUIThread) -> IAsyncAction {
                 if (onUIThread) {
                     co_await winrt::resume_foreground(dispatcher());
                 }
@@ -210,18 +192,16 @@ TEST(CoroutineTest, FrameIsGoneBeforeTheEndIsAnnounced) {
 TEST(CoroutineTest, ResultGoesToTheOneWhoAwaits) {
     for (const auto duration : {0ms, 2ms}) {
         const auto operation = number(7, duration);
-        finish([](auto operation) -> IAsyncAction { EXPECT_EQ(co_await operation, 7); }(operation));
+        await([](auto operation) -> IAsyncAction { EXPECT_EQ(co_await operation, 7); }(operation));
         EXPECT_EQ(
-            codeOf([&] { finish([](auto operation) -> IAsyncAction { co_await operation; }(operation)); }),
+            codeOf([&] { await([](auto operation) -> IAsyncAction { co_await operation; }(operation)); }),
             E_ILLEGAL_DELEGATE_ASSIGNMENT);
     }
     // While the first one still waits.
     const auto pending = delay(50ms);
-    std::promise<void> ended;
-    auto ending = ended.get_future();
-    report(pending, std::move(ended));
-    EXPECT_EQ(codeOf([&] { finish(pending); }), E_ILLEGAL_DELEGATE_ASSIGNMENT);
-    EXPECT_NO_THROW(ending.get());
+    const auto first = [](IAsyncAction pending) -> IAsyncAction { co_await pending; }(pending);
+    EXPECT_EQ(codeOf([&] { await(pending); }), E_ILLEGAL_DELEGATE_ASSIGNMENT);
+    EXPECT_NO_THROW(await(first));
 }
 
 TEST(CoroutineTest, PostedWorkRunsInOrderAndInTurn) {
@@ -243,7 +223,7 @@ TEST(CoroutineTest, PostedWorkRunsInOrderAndInTurn) {
             });
         }
     }
-    finish(dispatcher().RunAsync(CoreDispatcherPriority::Normal, [] {}));
+    await(dispatcher().RunAsync(CoreDispatcherPriority::Normal, [] {}));
     std::vector<int> expected(perThread);
     std::iota(expected.begin(), expected.end(), 0);
     for (const auto& mine : order) {
@@ -254,7 +234,7 @@ TEST(CoroutineTest, PostedWorkRunsInOrderAndInTurn) {
 // What is posted on the thread itself, or resumed there with resume_foreground, waits for its turn too.
 TEST(CoroutineTest, WorkPostedByWorkRunsAfterwards) {
     std::vector<int> order;
-    finish([](std::vector<int>* order) -> IAsyncAction {
+    await([](std::vector<int>* order) -> IAsyncAction {
         co_await winrt::resume_foreground(dispatcher());
         dispatcher().RunAsync(CoreDispatcherPriority::Normal, [order] {
             order->push_back(1);
@@ -272,14 +252,14 @@ TEST(CoroutineTest, WorkPostedByWorkRunsAfterwards) {
 
 TEST(CoroutineTest, FailureOfPostedWorkIsItsOperationsFailure) {
     EXPECT_EQ(codeOf([] {
-                  finish(dispatcher().RunAsync(CoreDispatcherPriority::Normal,
-                                               [] { throw winrt::hresult_error(E_ILLEGAL_METHOD_CALL); }));
+                  await(dispatcher().RunAsync(CoreDispatcherPriority::Normal,
+                                              [] { throw winrt::hresult_error(E_ILLEGAL_METHOD_CALL); }));
               }),
               E_ILLEGAL_METHOD_CALL);
     // When nobody waits it goes nowhere, and the queue works on.
     dispatcher().RunAsync(CoreDispatcherPriority::Normal, [] { throw std::runtime_error("unheard"); });
     bool ran = false;
-    finish(dispatcher().RunAsync(CoreDispatcherPriority::Normal, [&] { ran = true; }));
+    await(dispatcher().RunAsync(CoreDispatcherPriority::Normal, [&] { ran = true; }));
     EXPECT_TRUE(ran);
 }
 
@@ -312,7 +292,7 @@ TEST(CoroutineTest, ThousandsOfOperationsFromManyThreads) {
                     }(i, &sum, &wrongThread));
                 }
                 for (auto& operation : all) {
-                    finish(std::move(operation));
+                    await(std::move(operation));
                 }
             });
         }
@@ -323,7 +303,7 @@ TEST(CoroutineTest, ThousandsOfOperationsFromManyThreads) {
 
 // An operation that has ended already is awaited in place.
 TEST(CoroutineTest, LoopsOverEndedOperationsNeedNoStack) {
-    finish([]() -> IAsyncAction {
+    await([]() -> IAsyncAction {
         int64_t sum = 0;
         for (int32_t i = 0; i < 200'000; ++i) {
             sum += co_await number(1, 0ms);

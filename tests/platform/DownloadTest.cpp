@@ -36,11 +36,8 @@ TEST_F(DownloadTest, SavesWhatTheServerSends) {
     for (int i = 0; i < 300'000; ++i) {
         large += std::to_string(i) + '\0';
     }
-    server.on("/large", [&](auto const&, auto& response) { response.set_content(large, "application/pdf"); });
-    server.on("/moved", [&](auto const&, auto& response) {
-        response.status = 302;
-        response.set_header("Location", server.otherOriginUrl("/large"));
-    });
+    server.content("/large", "application/pdf", large);
+    server.redirect("/moved", server.otherOriginUrl("/large"));
     server.on("/empty", [](auto const&, auto& response) { response.status = 204; });
     auto const download = prepare(server.url("/moved"));
     EXPECT_EQ(download.GetResponseInformation(), nullptr);
@@ -60,14 +57,8 @@ TEST_F(DownloadTest, TellsItsFailuresApart) {
     TestServer secure(TestServer::Scheme::https);
     secure.page("/", "never");
     server.page("/missing", "the reason", 404);
-    server.on("/round", [](auto const&, auto& response) {
-        response.status = 302;
-        response.set_header("Location", "/round");
-    });
-    server.on("/out", [&](auto const&, auto& response) {
-        response.status = 302;
-        response.set_header("Location", "file://" + folder / "file");
-    });
+    server.redirect("/round", "/round");
+    server.redirect("/out", "file://" + folder / "file");
     server.on("/cut", [](auto const&, auto& response) {
         response.set_content_provider(1000, "text/plain", [](size_t offset, size_t, auto& sink) {
             return offset == 0 && sink.write("begin", 5);

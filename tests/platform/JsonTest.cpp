@@ -41,19 +41,6 @@ TEST(JsonTest, SharesWhatWasInserted) {
     EXPECT_EQ(answer.Stringify(), L"{\"Items\":[{\"Name\":\"n\"}]}");
 }
 
-TEST(JsonTest, ReadsWhatWasParsed) {
-    const auto object = JsonObject::Parse(
-        L" { \"s\" : \"\\u00fc\\ud83d\\ude00\\n\", \"n\": 1.5e3, \"b\": true, \"o\": null, \"s2\": 1, "
-        L"\"s2\": \"last\" } ");
-    EXPECT_EQ(object.GetNamedValue(L"s").GetString(), L"ü\U0001F600\n");
-    EXPECT_EQ(object.GetNamedValue(L"n").GetNumber(), 1500);
-    EXPECT_TRUE(object.GetNamedValue(L"b").GetBoolean());
-    EXPECT_EQ(object.GetNamedValue(L"o").ValueType(), JsonValueType::Null);
-    EXPECT_EQ(object.GetNamedValue(L"s2").GetString(), L"last");
-    EXPECT_TRUE(object.HasKey(L"o"));
-    EXPECT_FALSE(object.HasKey(L"S"));
-}
-
 TEST(JsonTest, RefusesWithThePlatformsCodes) {
     for (const wchar_t* invalid :
          {L"", L"x", L"[]", L"\"text\"", L"{", L"{\"a\":}", L"{'a':1}", L"{\"a\":1,}", L"{} {}",

@@ -164,10 +164,7 @@ std::vector<std::string> LocalStreamSecurityTest::waysToGo(std::string const& ta
 // there.
 TEST_F(LocalStreamSecurityTest, WebPagesReachNothing) {
     auto const secret = uriOf("secret");
-    server.on("/redirect", [&](auto const&, auto& response) {
-        response.status = 302;
-        response.set_header("Location", secret);
-    });
+    server.redirect("/redirect", secret);
     server.on("/refresh", [&](auto const&, auto& response) {
         response.set_header("Refresh", "0;url=" + secret);
         response.set_content("<!doctype html>", "text/html");
@@ -265,10 +262,7 @@ TEST_F(LocalStreamSecurityTest, FramesOfOtherOriginsReachNothing) {
 // in time.
 TEST_F(LocalStreamSecurityTest, RedirectedDownloadsLeadNowhere) {
     auto const secret = uriOf("secret");
-    server.on("/redirect", [&](auto const&, auto& response) {
-        response.status = 302;
-        response.set_header("Location", secret);
-    });
+    server.redirect("/redirect", secret);
     auto const link = "<a download rel=noreferrer href=" + server.url("/redirect") + ">x</a>";
     std::string const pages[] = {
         link + "<script>document.links[0].click()</script>",

@@ -46,9 +46,8 @@ class LocalStreamTest : public PageTest {
     /// Navigates without waiting.
     void go(WebView const& view, std::string const& path, std::wstring const& identifier = L"Test");
 
-    /// Navigates, and tells how the navigation ends: "success", or its WebErrorStatus.
+    /// Navigates, and tells how the navigation ends.
     std::string visit(WebView const& view, std::string const& path);
-    static std::string ending(WebView const& view, std::function<void()> const& start);
 
     /// What an asynchronous JavaScript function's body returns or throws in the page, as a text.
     static std::string run(WebView const& view, std::string const& body);

@@ -25,26 +25,6 @@ winrt::fire_and_forget settle(winrt::Windows::Foundation::IAsyncOperation<hstrin
     }
 }
 
-template <typename Start>
-void loadWith(winrt::Windows::UI::Xaml::Controls::WebView const& view, Start start) {
-    auto const loaded = std::make_shared<std::promise<std::optional<int>>>();
-    auto ending = loaded->get_future();
-    runtime::ui_thread::instance().invoke(
-        [&] {
-            view.NavigationCompleted([loaded, done = false](auto const&, auto const& arguments) mutable {
-                if (!std::exchange(done, true)) {
-                    loaded->set_value(arguments.IsSuccess()
-                                          ? std::nullopt
-                                          : std::optional(static_cast<int>(arguments.WebErrorStatus())));
-                }
-            });
-            start();
-        },
-        patience);
-    ASSERT_EQ(ending.wait_for(patience), std::future_status::ready) << "the load does not end";
-    ASSERT_EQ(ending.get(), std::nullopt) << "the load fails";
-}
-
 }  // namespace
 
 void PrintTo(Answer const& answer, std::ostream* stream) {
@@ -94,12 +74,26 @@ PageTest::WebView PageTest::makeView() {
     });
 }
 
+std::string PageTest::ending(WebView const& view, std::function<void()> const& start) {
+    auto const end = std::make_shared<std::string>();
+    onUIThread([&] {
+        view.NavigationCompleted([end](auto const&, auto const& arguments) {
+            if (end->empty()) {
+                *end = arguments.IsSuccess() ? "success"
+                                             : std::to_string(static_cast<int>(arguments.WebErrorStatus()));
+            }
+        });
+        start();
+    });
+    return comesTrue([&] { return !end->empty(); }) ? *end : "no end";
+}
+
 void PageTest::load(WebView const& view, std::string const& url) {
-    loadWith(view, [&] { view.Navigate(Uri(winrt::to_hstring(url))); });
+    ASSERT_EQ(ending(view, [&] { view.Navigate(Uri(winrt::to_hstring(url))); }), "success") << url;
 }
 
 void PageTest::loadText(WebView const& view, std::wstring const& html) {
-    loadWith(view, [&] { view.NavigateToString(html); });
+    ASSERT_EQ(ending(view, [&] { view.NavigateToString(html); }), "success");
 }
 
 Answer PageTest::call(WebView const& view, std::wstring const& function, std::wstring const& argument) {

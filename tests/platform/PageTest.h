@@ -41,6 +41,9 @@ class PageTest : public testing::Test {
     /// A view with a size, so that it has a picture.
     static WebView makeView();
 
+    /// How the navigation that `start` begins ends: "success", or its WebErrorStatus.
+    static std::string ending(WebView const& view, std::function<void()> const& start);
+
     /// Loads a page and waits for its end, which must be a success.
     static void load(WebView const& view, std::string const& url);
     static void loadText(WebView const& view, std::wstring const& html);

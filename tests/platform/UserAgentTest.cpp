@@ -5,7 +5,6 @@
 #include <thread>
 #include <vector>
 
-#include "ui_thread.h"
 #include "user_agent.h"
 
 namespace {
@@ -31,16 +30,6 @@ class UserAgentTest : public testing::Test {
 };
 
 }  // namespace
-
-TEST_F(UserAgentTest, StartsWithTheEnginesOwn) {
-    const auto text = get();
-    EXPECT_TRUE(text.starts_with("Mozilla/5.0 (")) << text;
-    EXPECT_EQ(runtime::user_agent(), "");
-    EXPECT_EQ(runtime::ui_thread::instance().invoke([] { return get(); }), text);
-    EXPECT_EQ(set("Other/1.0"), S_OK);
-    EXPECT_EQ(set(""), S_OK);
-    EXPECT_EQ(get(), text);
-}
 
 TEST_F(UserAgentTest, IsSetFromAnyThreadAndAnnounced) {
     std::vector<std::string> heard;

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "PageTest.h"
+#include "codeOf.h"
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
@@ -121,16 +122,12 @@ TEST_F(WebAllowedObjectTest, StaysWhenNoNewDocumentComes) {
     auto const view = makeView();
     auto const messages = addBridges(view);
     load(view, server.url("/"));
-    auto const ends = std::make_shared<int>(0);
     auto const cancel = std::make_shared<bool>(false);
     onUIThread([&] {
-        view.NavigationCompleted([ends](auto const&, auto const&) { ++*ends; });
         view.NavigationStarting([cancel](auto const&, auto const& arguments) { arguments.Cancel(*cancel); });
     });
     auto const navigate = [&](std::string const& url) {
-        int const before = onUIThread([&] { return *ends; });
-        onUIThread([&] { view.Navigate(Uri(winrt::to_hstring(url))); });
-        EXPECT_TRUE(comesTrue([&] { return *ends > before; })) << url;
+        EXPECT_NE(ending(view, [&] { view.Navigate(Uri(winrt::to_hstring(url))); }), "no end") << url;
     };
     navigate(server.url("/#fragment"));
     eval(view, L"bridge.postMessage('after the fragment')");
@@ -193,22 +190,15 @@ TEST_F(WebAllowedObjectTest, DeliversAllMessagesOfHostilePages) {
 
 TEST_F(WebAllowedObjectTest, RefusesObjectsThatAreNotForPages) {
     auto const view = makeView();
-    auto const codeOf = [&](winrt::hstring const& name,
-                            winrt::Windows::Foundation::IInspectable const& object) {
-        return onUIThread([&]() -> winrt::hresult {
-            try {
-                view.AddWebAllowedObject(name, object);
-                return S_OK;
-            } catch (winrt::hresult_error const& error) {
-                return error.code();
-            }
-        });
+    auto const codeOfAdding = [&](winrt::hstring const& name,
+                                  winrt::Windows::Foundation::IInspectable const& object) {
+        return onUIThread([&] { return codeOf([&] { view.AddWebAllowedObject(name, object); }); });
     };
     JavaScriptBridge const bridge;
-    EXPECT_EQ(codeOf(L"bridge", bridge), S_OK);
-    EXPECT_EQ(codeOf(L"", bridge), E_INVALIDARG);
-    EXPECT_EQ(codeOf(L"bridge", nullptr), E_INVALIDARG);
-    EXPECT_EQ(codeOf(L"bridge", Uri(L"https://a.example/")), E_INVALIDARG);
+    EXPECT_EQ(codeOfAdding(L"bridge", bridge), S_OK);
+    EXPECT_EQ(codeOfAdding(L"", bridge), E_INVALIDARG);
+    EXPECT_EQ(codeOfAdding(L"bridge", nullptr), E_INVALIDARG);
+    EXPECT_EQ(codeOfAdding(L"bridge", Uri(L"https://a.example/")), E_INVALIDARG);
 
     int calls = 0;
     auto const token = bridge.MessageEmitted([&](winrt::hstring const& text) { calls += text == L"text"; });

@@ -18,13 +18,6 @@ fail() {
     exit 1
 }
 
-# The component's identifiers stand in its .idl and again in its projection.
-bridge=$folder/../../src/bridge
-declared=$(grep -oiE '[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}' "$bridge"/*.idl | tr -d - | sort)
-projected=$(tr -d '\n' <"$bridge/projection/winrt/ZarvikWebViewRuntimeComponent.h" |
-    grep -oE '\{ *0x[^}]*\}\}' | sed 's/0x//g; s/[ ,{}]//g' | sort)
-[ -n "$declared" ] && [ "$declared" = "$projected" ] || fail "the component's identifiers differ"
-
 # The headers, which all compilations share, are compiled once. Without their times, since a compiler with a cache may
 # answer with what it made of the same text at another time.
 "${compile[@]}" -x c++-header -Xclang -fno-pch-timestamp -o "$work/platform.h.pch" "$folder/../../src/platform.h"

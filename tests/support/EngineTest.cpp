@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <thread>
 
+#include "support/TestPages.h"
+
 using zarvik::host::Recorder;
 
 std::string urlChanged(const std::string& url) {
@@ -78,6 +80,15 @@ bool EngineTest::waitForPixels(const View& view, const std::function<bool(const 
         const auto image = view.readPixels();
         return !image.pixels.empty() && expected(image);
     });
+}
+
+bool EngineTest::showsPattern(const View& view, int width, int height) {
+    const auto expected = testPattern(width, height);
+    return waitForPixels(view, [&](const Image& image) { return image == expected; });
+}
+
+bool EngineTest::showsColour(const View& view, int red, int green, int blue) {
+    return waitForPixels(view, [&](const Image& image) { return isFilled(image, red, green, blue); });
 }
 
 bool EngineTest::waitForResult(const View& view, const std::string& script, const std::string& expected) {

@@ -42,6 +42,9 @@ class EngineTest : public testing::Test {
 
     /// Waits until the engine's texture shows what is expected.
     bool waitForPixels(const View& view, const std::function<bool(const Image&)>& expected);
+    /// Waits until it shows the pattern page in this size, or nothing but one colour.
+    bool showsPattern(const View& view, int width, int height);
+    bool showsColour(const View& view, int red, int green, int blue);
 
     TestServer server;
     Engine engine{{}};

@@ -41,6 +41,16 @@ Image testPattern(int width, int height) {
     return image;
 }
 
+Image upsideDown(const Image& image) {
+    Image result(image.width, image.height);
+    const auto row = static_cast<std::ptrdiff_t>(image.width) * 4;
+    for (int y = 0; y < image.height; ++y) {
+        std::copy_n(image.pixels.begin() + row * y, row,
+                    result.pixels.begin() + row * (image.height - 1 - y));
+    }
+    return result;
+}
+
 std::string colourPage(int red, int green, int blue) {
     return "<body style='background: rgb(" + std::to_string(red) + ", " + std::to_string(green) + ", " +
            std::to_string(blue) + ")'>";

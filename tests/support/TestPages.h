@@ -11,6 +11,8 @@ extern const std::string patternPage;
 /// The picture of the pattern page in a view of this size.
 zarvik::host::Image testPattern(int width, int height);
 
+zarvik::host::Image upsideDown(const zarvik::host::Image& image);
+
 /// A page in one colour.
 std::string colourPage(int red, int green, int blue);
 

@@ -77,15 +77,24 @@ TestServer::~TestServer() {
 }
 
 void TestServer::page(const std::string& path, const std::string& body, int status) {
-    on(path, [body, status](const httplib::Request&, httplib::Response& response) {
+    content(path, "text/html; charset=utf-8", "<!doctype html>" + body, status);
+}
+
+void TestServer::content(const std::string& path, const std::string& type, const std::string& content,
+                         int status) {
+    on(path, [type, content, status](const httplib::Request&, httplib::Response& response) {
         response.status = status;
-        response.set_content("<!doctype html>" + body, "text/html; charset=utf-8");
+        response.set_content(content, type);
     });
 }
 
 void TestServer::on(const std::string& path, Handler handler) {
     const std::lock_guard lock(mutex);
     handlers[path] = std::move(handler);
+}
+
+void TestServer::redirect(const std::string& path, const std::string& url) {
+    on(path, [url](const httplib::Request&, httplib::Response& response) { response.set_redirect(url); });
 }
 
 void TestServer::stalledPage(const std::string& path) {

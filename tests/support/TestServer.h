@@ -34,7 +34,10 @@ class TestServer {
 
     /// Serves an HTML document; `body` is what follows the doctype.
     void page(const std::string& path, const std::string& body, int status = 200);
+    void content(const std::string& path, const std::string& type, const std::string& content,
+                 int status = 200);
     void on(const std::string& path, Handler handler);
+    void redirect(const std::string& path, const std::string& url);
 
     /// Serves a document that does not come before the server ends, or a short while has passed.
     void stalledPage(const std::string& path);

@@ -13,6 +13,12 @@ FrameTimer timerAt(std::uint64_t frequency) {
     return timer;
 }
 
+FrameTimer fixedTimer() {
+    FrameTimer timer = timerAt(10'000'000);
+    timer.isFixedTimeStep = true;
+    return timer;
+}
+
 /// How many updates the tick at this reading of the counter runs.
 int updatesAt(FrameTimer& timer, std::uint64_t counter) {
     int updates = 0;
@@ -80,8 +86,7 @@ TEST(FrameTimerTest, GapCountsAsATenthOfASecond) {
 }
 
 TEST(FrameTimerTest, FixedStepRunsForEachWholeStep) {
-    FrameTimer timer = timerAt(10'000'000);
-    timer.isFixedTimeStep = true;
+    FrameTimer timer = fixedTimer();
     EXPECT_EQ(updatesAt(timer, 100'000), 0);
     EXPECT_EQ(timer.leftOverTicks, 100'000U);
     EXPECT_EQ(timer.elapsedTicks, 0U);
@@ -98,22 +103,18 @@ TEST(FrameTimerTest, FixedStepRunsForEachWholeStep) {
 TEST(FrameTimerTest, FixedStepTakesNearlyAStepForOne) {
     constexpr std::uint64_t step = 166'666;
     for (const std::uint64_t delta : {step - 2499, step - 1, step, step + 2499}) {
-        FrameTimer timer = timerAt(10'000'000);
-        timer.isFixedTimeStep = true;
+        FrameTimer timer = fixedTimer();
         EXPECT_EQ(updatesAt(timer, delta), 1) << delta;
         EXPECT_EQ(timer.leftOverTicks, 0U) << delta;
     }
-    FrameTimer early = timerAt(10'000'000);
-    early.isFixedTimeStep = true;
+    FrameTimer early = fixedTimer();
     EXPECT_EQ(updatesAt(early, step - 2500), 0);
     EXPECT_EQ(early.leftOverTicks, step - 2500);
-    FrameTimer late = timerAt(10'000'000);
-    late.isFixedTimeStep = true;
+    FrameTimer late = fixedTimer();
     EXPECT_EQ(updatesAt(late, step + 2500), 1);
     EXPECT_EQ(late.leftOverTicks, 2500U);
     // A display of 59.94 Hz: every refresh is one step, for as long as one likes.
-    FrameTimer display = timerAt(10'000'000);
-    display.isFixedTimeStep = true;
+    FrameTimer display = fixedTimer();
     for (std::uint64_t refresh = 1; refresh <= 100'000; ++refresh) {
         ASSERT_EQ(updatesAt(display, refresh * 166'834), 1) << refresh;
     }

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "exports/HostChannel.h"
 #include "offscreen/UwpWebView3D.h"
 
 TEST(NumbersTest, TruncatesTowardZeroInsideTheRange) {
@@ -39,10 +38,4 @@ TEST(NumbersTest, BitmapCaptureHasItsBounds) {
     EXPECT_FALSE(fitsBitmapCapture(4097, 4097, {0, 0, infinity, infinity}));
     constexpr auto notANumber = std::numeric_limits<float>::quiet_NaN();
     EXPECT_FALSE(fitsBitmapCapture(1, 1, {0, 0, notANumber, notANumber}));
-}
-
-TEST(NumbersTest, LogLineBeginsWithTheTime) {
-    EXPECT_EQ(composeLogLine(0, ""), "0 ");
-    EXPECT_EQ(composeLogLine(123, "Text  with\nlines ü"), "123 Text  with\nlines ü");
-    EXPECT_EQ(composeLogLine(std::numeric_limits<std::int64_t>::max(), "x"), "9223372036854775807 x");
 }

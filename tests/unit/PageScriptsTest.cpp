@@ -4,22 +4,6 @@
 
 #include "agent/AgentScript.h"
 
-TEST(PageScriptsTest, InputIsOneLineOfScript) {
-    using namespace page_scripts;
-    EXPECT_EQ(click(10, -3), "_zarvikInternal.pointerInputManager.click(10, -3);");
-    EXPECT_EQ(pointerDown(16, 30, 0, 1), "_zarvikInternal.pointerInputManager.pointerDown(16, 30, 0, 1);");
-    EXPECT_EQ(pointerUp(INT32_MIN, INT32_MAX, 2, 2),
-              "_zarvikInternal.pointerInputManager.pointerUp(-2147483648, 2147483647, 2, 2);");
-    EXPECT_EQ(movePointer(1, 2, true), "_zarvikInternal.pointerInputManager.movePointer(1, 2, true);");
-    EXPECT_EQ(movePointer(1, 2, false), "_zarvikInternal.pointerInputManager.movePointer(1, 2, false);");
-    EXPECT_EQ(scroll(0, 120), "window.scrollBy(0,120);");
-    EXPECT_EQ(scrollAtPoint(-1, 2, 3, 4), "_zarvikInternal.scrollManager.scrollAtPoint(-1,2,3,4);");
-    EXPECT_EQ(setFocused(true), "_zarvikInternal.focusManager.setFocused(true)");
-    EXPECT_EQ(setFocused(false), "_zarvikInternal.focusManager.setFocused(false)");
-    EXPECT_EQ(setConsoleMessageEventsEnabled(false),
-              "_zarvikInternal.browserAgent.setConsoleMessageEventsEnabled(false);");
-}
-
 TEST(PageScriptsTest, KeysAreEscapedOnlyAsAWhole) {
     const auto argument = [](const char* key) {
         const std::string script = page_scripts::sendKey(key);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -70,32 +71,38 @@ std::vector<std::size_t> byteCounts(const Size& size) {
     return {0, 1, right / 2, right - std::min<std::size_t>(right, 1), right, right + 1, right * 2, mapped};
 }
 
+/// Calls `check` with pictures of all sizes and byte counts.
+void forEachPicture(const std::function<void(const PixelView&)>& check) {
+    for (const Size& size : pictureSizes) {
+        for (const std::size_t count : byteCounts(size)) {
+            SCOPED_TRACE(testing::Message()
+                         << size.width << "x" << size.height << " of " << count << " bytes");
+            const auto picture = makePicture(count);
+            check({size.width, size.height, picture});
+        }
+    }
+}
+
 }  // namespace
 
 TEST(PixelCopyTest, EveryPictureFitsEveryTexture) {
     constexpr std::uint32_t width = 8;
     constexpr std::uint32_t height = 6;
     for (const std::uint32_t pitch : {32U, 33U, 37U, 64U, 256U, 4096U}) {
-        for (const Size& size : pictureSizes) {
-            for (const std::size_t count : byteCounts(size)) {
-                const auto picture = makePicture(count);
-                const PixelView view{size.width, size.height, picture};
-                // The last row of a mapped texture may lack its padding.
-                GuardedBytes texture(std::size_t{height - 1} * pitch + width * bytesPerPixel);
-                copyToTexture(view, texture.bytes().data(), pitch, width, height);
-                ASSERT_TRUE(texture.isIntact())
-                    << size.width << "x" << size.height << " of " << count << " bytes, pitch " << pitch;
-                const auto written = texture.bytes();
-                for (std::size_t i = 0; i < written.size(); ++i) {
-                    const std::size_t column = i % pitch;
-                    const auto expected = column < width * bytesPerPixel
-                                              ? expectedByte(view, i / pitch, column, untouched)
-                                              : untouched;
-                    ASSERT_EQ(written[i], expected) << size.width << "x" << size.height << " of " << count
-                                                    << " bytes, pitch " << pitch << ", at " << i;
-                }
+        forEachPicture([&](const PixelView& view) {
+            // The last row of a mapped texture may lack its padding.
+            GuardedBytes texture(std::size_t{height - 1} * pitch + width * bytesPerPixel);
+            copyToTexture(view, texture.bytes().data(), pitch, width, height);
+            ASSERT_TRUE(texture.isIntact()) << "pitch " << pitch;
+            const auto written = texture.bytes();
+            for (std::size_t i = 0; i < written.size(); ++i) {
+                const std::size_t column = i % pitch;
+                const auto expected = column < width * bytesPerPixel
+                                          ? expectedByte(view, i / pitch, column, untouched)
+                                          : untouched;
+                ASSERT_EQ(written[i], expected) << "pitch " << pitch << ", at " << i;
             }
-        }
+        });
     }
 }
 
@@ -113,14 +120,11 @@ TEST(PixelCopyTest, PitchInPixelsMeansPackedRows) {
 // Where such a texture gets a picture of another size, the rows overlap, as long as they stay inside.
 TEST(PixelCopyTest, UnusablePitchStaysInsideTheTexture) {
     for (const std::uint32_t pitch : {0U, 1U, 8U, 31U}) {
-        for (const Size& size : pictureSizes) {
-            for (const std::size_t count : byteCounts(size)) {
-                const auto picture = makePicture(count);
-                GuardedBytes texture(8 * bytesPerPixel * 6);
-                copyToTexture({size.width, size.height, picture}, texture.bytes().data(), pitch, 8, 6);
-                ASSERT_TRUE(texture.isIntact()) << size.width << "x" << size.height << " of " << count;
-            }
-        }
+        forEachPicture([&](const PixelView& view) {
+            GuardedBytes texture(8 * bytesPerPixel * 6);
+            copyToTexture(view, texture.bytes().data(), pitch, 8, 6);
+            ASSERT_TRUE(texture.isIntact()) << "pitch " << pitch;
+        });
     }
 }
 
@@ -138,24 +142,20 @@ TEST(PixelCopyTest, EmptyTextureTakesNothing) {
 
 TEST(PixelCopyTest, FitPixelsClipsAndFillsUp) {
     for (const Size& target : pictureSizes) {
-        for (const Size& size : pictureSizes) {
-            for (const std::size_t count : byteCounts(size)) {
-                const auto picture = makePicture(count);
-                const PixelView view{size.width, size.height, picture};
-                const auto rowBytes = static_cast<std::size_t>(std::max(target.width, 0)) * bytesPerPixel;
-                const auto rows = static_cast<std::size_t>(std::max(target.height, 0));
-                const auto down = fitPixels(view, target.width, target.height, RowOrder::topDown);
-                const auto up = fitPixels(view, target.width, target.height, RowOrder::bottomUp);
-                ASSERT_EQ(down.size(), rowBytes * rows);
-                ASSERT_EQ(up.size(), rowBytes * rows);
-                for (std::size_t row = 0; row < rows; ++row) {
-                    for (std::size_t column = 0; column < rowBytes; ++column) {
-                        const auto expected = expectedByte(view, row, column, 0);
-                        ASSERT_EQ(down[row * rowBytes + column], expected);
-                        ASSERT_EQ(up[(rows - 1 - row) * rowBytes + column], expected);
-                    }
+        forEachPicture([&](const PixelView& view) {
+            const auto rowBytes = static_cast<std::size_t>(std::max(target.width, 0)) * bytesPerPixel;
+            const auto rows = static_cast<std::size_t>(std::max(target.height, 0));
+            const auto down = fitPixels(view, target.width, target.height, RowOrder::topDown);
+            const auto up = fitPixels(view, target.width, target.height, RowOrder::bottomUp);
+            ASSERT_EQ(down.size(), rowBytes * rows);
+            ASSERT_EQ(up.size(), rowBytes * rows);
+            for (std::size_t row = 0; row < rows; ++row) {
+                for (std::size_t column = 0; column < rowBytes; ++column) {
+                    const auto expected = expectedByte(view, row, column, 0);
+                    ASSERT_EQ(down[row * rowBytes + column], expected);
+                    ASSERT_EQ(up[(rows - 1 - row) * rowBytes + column], expected);
                 }
             }
-        }
+        });
     }
 }

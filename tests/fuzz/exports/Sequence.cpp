@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <map>
 #include <regex>
 
 #include "fuzz/exports/Call.h"
@@ -75,29 +76,26 @@ class Decoder {
         if (byte < firstFrequent) {
             return call(exportTable()[static_cast<std::size_t>(byte) % exportTable().size()]);
         }
+        static constexpr std::pair<int, std::string_view> frequent[] = {
+            {215, "WebView_new"},      {217, "WebView_newInNative2DMode"}, {221, "WebView_loadUrl"},
+            {224, "WebView_loadHtml"}, {228, "WebView_executeJavaScript"}, {231, "WebView_destroy"},
+            {233, "WebView_resize"}};
+        for (const auto& [last, name] : frequent) {
+            if (byte <= last) {
+                return call(named(name));
+            }
+        }
         switch (byte) {
-            case 208 ... 215:
-                return call(named("WebView_new"));
-            case 216 ... 217:
-                return call(named("WebView_newInNative2DMode"));
-            case 218 ... 221:
-                return call(named("WebView_loadUrl"));
-            case 222 ... 224:
-                return call(named("WebView_loadHtml"));
-            case 225 ... 228:
-                return call(named("WebView_executeJavaScript"));
-            case 229 ... 231:
-                return call(named("WebView_destroy"));
-            case 232 ... 233:
-                return call(named("WebView_resize"));
             case 234 ... 237:
                 return step(Step::Action::turn, {});
             case 238 ... 239:
                 return step(Step::Action::render, {number(takeOneOf(smallNumbers))});
             case 240 ... 243:
                 return step(Step::Action::wait, {number(input.takeByte() % longestWait)});
-            case 244 ... 247:
+            case 244 ... 246:
                 return waitForLoad();
+            case 247:
+                return step(Step::Action::killPage, {number(input.takeByte() % mostViews)});
             case 248:
                 return step(Step::Action::failDevice, {number(input.takeByte() % 3)});
             case 249:
@@ -282,21 +280,12 @@ std::string Step::text() const {
     for (const Argument& argument : arguments) {
         joined += (joined.empty() ? "" : ", ") + argument.shown;
     }
-    switch (action) {
-        case Action::turn:
-            return "takeTurn();";
-        case Action::render:
-            return "render(" + joined + ");";
-        case Action::wait:
-            return "sleep_ms(" + joined + ");";
-        case Action::waitForLoad:
-            return "waitForLoad(" + joined + ");";
-        case Action::failDevice:
-            return "failDevice(" + joined + ");";
-        case Action::mendDevice:
-            return "mendDevice();";
-        case Action::call:
-            break;
+    if (action != Action::call) {
+        static const std::map<Action, std::string> names{
+            {Action::turn, "takeTurn"},         {Action::render, "render"},
+            {Action::wait, "sleep_ms"},         {Action::waitForLoad, "waitForLoad"},
+            {Action::failDevice, "failDevice"}, {Action::mendDevice, "mendDevice"}};
+        return names.at(action) + "(" + joined + ");";
     }
     const char* const prefix = where == Where::here         ? ""
                                : where == Where::inCallback ? "/* in the next callback */ "

@@ -32,7 +32,7 @@ const std::vector<Export>& exportTable();
 
 /// One step of a sequence: a call of the engine's, or something that the engine does meanwhile.
 struct Step {
-    enum class Action { call, turn, render, wait, waitForLoad, failDevice, mendDevice };
+    enum class Action { call, turn, render, wait, waitForLoad, failDevice, mendDevice, killPage };
     enum class Where { here, inCallback, onOtherThread };
 
     Action action = Action::call;

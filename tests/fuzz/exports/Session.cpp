@@ -1,12 +1,12 @@
 #include "fuzz/exports/Session.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
-#include <nlohmann/json.hpp>
 
 #include "fuzz/support/Require.h"
 #include "support/Pdf.h"
-#include "zarvik/host/InterfaceRegistry.h"
+#include "support/Processes.h"
 
 using namespace std::chrono_literals;
 
@@ -20,22 +20,12 @@ constexpr auto patience = 40s;
 /// How long a sequence waits for a load to end, which it may never do.
 constexpr auto shortPatience = 400ms;
 
-/// Stands for a pointer that is none of the library's.
-int something = 0;
-
-bool isUtf8(std::string_view text) {
-    try {
-        return !nlohmann::json(text).dump().empty();
-    } catch (const nlohmann::json::type_error&) {
-        return false;
-    }
-}
-
 }  // namespace
 
 Session* Session::current = nullptr;
 thread_local Session::Lane Session::ownLane = Session::Lane::scripting;
 thread_local int Session::ownView = -1;
+int Session::something = 0;
 
 Session::Session()
     : library(zarvik::host::Plugin::defaultPath()), renderFunction(plugin().WebView_getRenderFunction()) {
@@ -46,25 +36,18 @@ Session::Session()
     server.page("/frames",
                 "<iframe src=/plain></iframe><iframe src='" + server.otherOriginUrl("/plain") + "'>");
     const std::string document = makePdf(2);
-    const auto sendDocument = [document](const httplib::Request&, httplib::Response& response) {
-        response.set_content(document, "application/pdf");
-    };
-    server.on("/document.pdf", sendDocument);
-    const auto late = [](TestServer::Handler handler) -> TestServer::Handler {
-        return [handler = std::move(handler)](const httplib::Request& request, httplib::Response& response) {
+    server.content("/document.pdf", "application/pdf", document);
+    const auto serveLate = [this](const std::string& path, const std::string& type,
+                                  const std::string& content) {
+        server.on(path, [type, content](const httplib::Request&, httplib::Response& response) {
             std::this_thread::sleep_for(200ms);
-            handler(request, response);
-        };
+            response.set_content(content, type);
+        });
     };
-    server.on("/slow.pdf", late(sendDocument));
-    server.on("/slow", late([](const httplib::Request&, httplib::Response& response) {
-                  response.set_content("<!doctype html><p>slow", "text/html");
-              }));
-    server.on("/redirected",
-              [](const httplib::Request&, httplib::Response& response) { response.set_redirect("/plain"); });
-    server.on("/in-circles", [](const httplib::Request&, httplib::Response& response) {
-        response.set_redirect("/in-circles");
-    });
+    serveLate("/slow.pdf", "application/pdf", document);
+    serveLate("/slow", "text/html", "<!doctype html><p>slow");
+    server.redirect("/redirected", "/plain");
+    server.redirect("/in-circles", "/in-circles");
     folder.write("page.html", "<!doctype html><title>local</title><p>local");
     folder.write("document.pdf", document);
 
@@ -134,6 +117,8 @@ void Session::run(const Step& step, Lane lane) {
             return failDevice(static_cast<int>(step.arguments.front().number));
         case Step::Action::mendDevice:
             return device.setFaults({});
+        case Step::Action::killPage:
+            return killPage(static_cast<std::size_t>(step.arguments.front().number));
     }
 }
 
@@ -191,6 +176,12 @@ void Session::failDevice(int what) {
         faults.createShaderResourceView = [] { return removed; };
     }
     device.setFaults(std::move(faults));
+}
+
+void Session::killPage(std::size_t index) {
+    if (const auto processes = pageProcesses(); !processes.empty()) {
+        kill(processes[index % processes.size()], SIGKILL);
+    }
 }
 
 void Session::renderTurn() {
@@ -307,13 +298,24 @@ bool Session::comesTrue(const std::function<bool()>& condition) {
 
 void Session::registerCallbacks() {
     plugin().UnityPluginLoad(zarvik::host::InterfaceRegistry::interfaces());
-    plugin().WebView_setSendMessageFunction(value<ZarvikSendMessageFunction>({.kind = Argument::Kind::own}));
-    plugin().WebView_setDataResultCallback(value<ZarvikDataResultCallback>({.kind = Argument::Kind::own}));
-    const auto line = value<ZarvikLogFunction>({.kind = Argument::Kind::own});
-    plugin().WebView_setLogFunctions(line, line, line);
+    plugin().WebView_setSendMessageFunction(receive);
+    plugin().WebView_setDataResultCallback(receive);
+    plugin().WebView_setLogFunctions(receive, receive, receive);
 }
 
 // What the engine hears
+
+void Session::receive(const char* target, const char* method, const char* payload) {
+    current->onMessage(target, method, payload);
+}
+
+void Session::receive(const char* target, const char* id, const std::uint8_t* bytes, std::int32_t length) {
+    current->onData(target, id, {bytes, static_cast<std::size_t>(length)});
+}
+
+void Session::receive(const char* line) {
+    current->onLine(line);
+}
 
 void Session::onMessage(const char* target, const char* method, const char* payload) {
     {
@@ -407,165 +409,4 @@ void Session::onLine(const char* line) {
 Session::View* Session::viewOf(std::string_view target) {
     const auto found = std::ranges::find(views, target, &View::target);
     return target.empty() || found == views.end() ? nullptr : &*found;
-}
-
-// What the engine says
-
-std::vector<Argument> Session::prepared(const Step& step) {
-    const std::scoped_lock lock(mutex);
-    std::vector<Argument> arguments = step.arguments;
-    const std::string& name = step.function->name;
-    for (Argument& argument : arguments) {
-        if (argument.kind == Argument::Kind::view) {
-            argument.pointer = views[static_cast<std::size_t>(argument.number)].handle;
-        }
-    }
-    const int view = arguments.empty() ? -1 : liveView(arguments.front().pointer);
-    for (Argument& argument : arguments) {
-        if (argument.kind == Argument::Kind::targetName) {
-            argument.text = "view" + std::to_string(sequence) + "." + std::to_string(argument.number);
-        } else if (argument.kind == Argument::Kind::callbackId) {
-            argument.text = std::to_string(sequence) + "." + std::to_string(argument.number);
-            questions[argument.text] = {
-                .view = view, .lane = ownLane, .mustBeAnswered = name == "WebView_executeJavaScript"};
-        } else if (argument.kind == Argument::Kind::text) {
-            argument.text = expanded(argument.text);
-            hasOddText = hasOddText || !isUtf8(argument.text);
-        }
-    }
-    ownView = view;
-    if (view >= 0) {
-        View& asked = views[static_cast<std::size_t>(view)];
-        asked.navigationQuestions += name.starts_with("WebView_canGo") ? 1 : 0;
-        asked.destroyed = asked.destroyed || name == "WebView_destroy";
-    }
-    if (step.view >= 0) {
-        const Argument& target = arguments.front();
-        views[static_cast<std::size_t>(step.view)].target =
-            target.kind == Argument::Kind::targetName ? target.text : "";
-    }
-    const bool isDeafening =
-        name == "WebView_setSendMessageFunction" || name == "WebView_setDataResultCallback";
-    wasDeaf = wasDeaf || (isDeafening && arguments.front().kind == Argument::Kind::null);
-    return arguments;
-}
-
-/// The live view with this handle, which may have been that of an earlier one.
-int Session::liveView(const void* handle) const {
-    const auto found = std::ranges::find_if(
-        views, [handle](const View& view) { return handle && view.handle == handle && !view.destroyed; });
-    return found == views.end() ? -1 : static_cast<int>(found - views.begin());
-}
-
-std::string Session::expanded(std::string text) const {
-    const auto replace = [&text](std::string_view name, const std::string& value) {
-        for (auto at = text.find(name); at != std::string::npos; at = text.find(name, at + value.size())) {
-            text.replace(at, name.size(), value);
-        }
-    };
-    replace("$SERVER", server.url(""));
-    replace("$FOLDER", folder.path.string());
-    return text;
-}
-
-void* Session::takeTexture(std::size_t index) {
-    const std::scoped_lock lock(mutex);
-    if (textures.empty()) {
-        return nullptr;
-    }
-    const auto taken = textures.begin() + static_cast<std::ptrdiff_t>(index % textures.size());
-    void* const texture = *taken;
-    textures.erase(taken);
-    return texture;
-}
-
-void Session::keep(const Step& step, UwpWebView* made) {
-    require(made, "a view is made", step.text());
-    const std::scoped_lock lock(mutex);
-    views[static_cast<std::size_t>(step.view)].handle = made;
-}
-
-void Session::keep(const Step& step, char* cookies) {
-    require(cookies && nlohmann::json::parse(cookies, nullptr, false).is_object(), "cookies are JSON",
-            step.text());
-    std::free(cookies);
-}
-
-void Session::keep(const Step& step, std::int32_t key) {
-    require(key >= 0, "a key is given", step.text());
-    const std::scoped_lock lock(mutex);
-    keys.push_back(key);
-}
-
-void Session::keep(const Step&, ZarvikBool) {}
-
-void Session::keep(const Step& step, ZarvikRenderFunction function) {
-    require(function == renderFunction, "there is one render function", step.text());
-}
-
-template <>
-const char* Session::value(const Argument& argument) {
-    return argument.kind == Argument::Kind::null ? nullptr : argument.text.c_str();
-}
-
-template <>
-std::int32_t Session::value(const Argument& argument) {
-    return static_cast<std::int32_t>(argument.number);
-}
-
-template <>
-ZarvikBool Session::value(const Argument& argument) {
-    return static_cast<ZarvikBool>(argument.number);
-}
-
-template <>
-UwpWebView* Session::value(const Argument& argument) {
-    return static_cast<UwpWebView*>(value<void*>(argument));
-}
-
-template <>
-void* Session::value(const Argument& argument) {
-    switch (argument.kind) {
-        case Argument::Kind::view:
-            return argument.pointer;
-        case Argument::Kind::texture:
-            return takeTexture(static_cast<std::size_t>(argument.number));
-        case Argument::Kind::address:
-            return &something;
-        default:
-            return nullptr;
-    }
-}
-
-template <>
-IUnityInterfaces* Session::value(const Argument& argument) {
-    return argument.kind == Argument::Kind::own ? zarvik::host::InterfaceRegistry::interfaces() : nullptr;
-}
-
-template <>
-ZarvikSendMessageFunction Session::value(const Argument& argument) {
-    if (argument.kind != Argument::Kind::own) {
-        return nullptr;
-    }
-    return [](const char* target, const char* method, const char* payload) {
-        current->onMessage(target, method, payload);
-    };
-}
-
-template <>
-ZarvikDataResultCallback Session::value(const Argument& argument) {
-    if (argument.kind != Argument::Kind::own) {
-        return nullptr;
-    }
-    return [](const char* target, const char* id, const std::uint8_t* bytes, std::int32_t length) {
-        current->onData(target, id, {bytes, static_cast<std::size_t>(length)});
-    };
-}
-
-template <>
-ZarvikLogFunction Session::value(const Argument& argument) {
-    if (argument.kind != Argument::Kind::own) {
-        return nullptr;
-    }
-    return [](const char* line) { current->onLine(line); };
 }

@@ -12,12 +12,14 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 #include "fuzz/exports/Sequence.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestServer.h"
 #include "zarvik/host/GLDevice.h"
+#include "zarvik/host/InterfaceRegistry.h"
 #include "zarvik/host/Plugin.h"
 #include "zarvik/host/RenderThread.h"
 #include "zarvik/host/SurfacelessContext.h"
@@ -43,8 +45,23 @@ class Session {
     const zarvik::host::PluginExports& plugin() const { return library.exports; }
     /// The step's arguments with what only the session knows, noted as what the engine expects from now on.
     std::vector<Argument> prepared(const Step& step);
+    /// What an argument is in C.
     template <typename T>
-    T value(const Argument& argument);
+    T value(const Argument& argument) {
+        if constexpr (std::is_same_v<T, const char*>) {
+            return argument.kind == Argument::Kind::null ? nullptr : argument.text.c_str();
+        } else if constexpr (std::is_integral_v<T>) {
+            return static_cast<T>(argument.number);
+        } else if constexpr (std::is_same_v<T, void*> || std::is_same_v<T, UwpWebView*>) {
+            return static_cast<T>(pointer(argument));
+        } else if constexpr (std::is_same_v<T, IUnityInterfaces*>) {
+            return argument.kind == Argument::Kind::own ? zarvik::host::InterfaceRegistry::interfaces()
+                                                        : nullptr;
+        } else {
+            const T receiver = receive;
+            return argument.kind == Argument::Kind::own ? receiver : nullptr;
+        }
+    }
     void keep(const Step& step, UwpWebView* made);
     void keep(const Step& step, char* cookies);
     void keep(const Step& step, std::int32_t key);
@@ -77,12 +94,17 @@ class Session {
     void callInCallback();
     void waitForLoad(int view);
     void failDevice(int what);
+    void killPage(std::size_t index);
     void renderTurn();
     void end();
     void registerCallbacks();
     void destroyViews();
     void checkAnswers();
 
+    // What the library calls.
+    static void receive(const char* target, const char* method, const char* payload);
+    static void receive(const char* target, const char* id, const std::uint8_t* bytes, std::int32_t length);
+    static void receive(const char* line);
     void onMessage(const char* target, const char* method, const char* payload);
     void onScriptResult(std::string_view target, std::string_view payload);
     void onTexture(const char* payload);
@@ -91,10 +113,14 @@ class Session {
     View* viewOf(std::string_view target);
     int liveView(const void* handle) const;
     std::string expanded(std::string text) const;
+    void* pointer(const Argument& argument);
     void* takeTexture(std::size_t index);
     bool comesTrue(const std::function<bool()>& condition);
 
+    static bool isUtf8(std::string_view text);
+
     static Session* current;
+    static int something;  // stands for what a pointer of nobody's leads to
     // Of the thread's call.
     static thread_local Lane ownLane;
     static thread_local int ownView;
@@ -122,22 +148,3 @@ class Session {
     bool hasNoControl = false;        // some view says so
     std::atomic<bool> isOver = true;  // views are destroyed
 };
-
-template <>
-const char* Session::value(const Argument& argument);
-template <>
-std::int32_t Session::value(const Argument& argument);
-template <>
-ZarvikBool Session::value(const Argument& argument);
-template <>
-UwpWebView* Session::value(const Argument& argument);
-template <>
-void* Session::value(const Argument& argument);
-template <>
-IUnityInterfaces* Session::value(const Argument& argument);
-template <>
-ZarvikSendMessageFunction Session::value(const Argument& argument);
-template <>
-ZarvikDataResultCallback Session::value(const Argument& argument);
-template <>
-ZarvikLogFunction Session::value(const Argument& argument);

@@ -1,25 +1,12 @@
 #include "fuzz/support/MessagePage.h"
 
-#include <array>
+#include <sstream>
 
 #include "fuzz/support/Require.h"
 
 namespace {
 
 constexpr int mostUses = 2000;
-
-bool isHalf(char16_t unit) {
-    return unit >= 0xD800 && unit < 0xE000;
-}
-
-/// The number of units of the character at the front; 0 if it is none.
-std::size_t characterLength(std::u16string_view text) {
-    if (!isHalf(text.front())) {
-        return 1;
-    }
-    const bool isPair = text.front() < 0xDC00 && text.size() > 1 && isHalf(text[1]) && text[1] >= 0xDC00;
-    return isPair ? 2 : 0;
-}
 
 }  // namespace
 
@@ -59,6 +46,19 @@ std::vector<std::string> MessagePage::messagesOf(const std::string& script) {
     return messages;
 }
 
+std::string MessagePage::resultOf(const std::string& script) {
+    return view.evaluate(script).value_or("no answer");
+}
+
+std::string MessagePage::utf8Of(const std::string& text) {
+    std::istringstream bytes(resultOf("new TextEncoder().encode(" + text + ").join(' ')"));
+    std::string utf8;
+    for (int byte = 0; bytes >> byte;) {
+        utf8 += static_cast<char>(byte);
+    }
+    return utf8;
+}
+
 std::u16string toUnits(std::span<const std::uint8_t> bytes) {
     std::u16string text;
     for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
@@ -73,56 +73,4 @@ std::string toScript(std::u16string_view text) {
         codes += (codes.empty() ? "" : ",") + std::to_string(static_cast<unsigned>(unit));
     }
     return "String.fromCharCode(" + codes + ")";
-}
-
-std::string toUtf8(std::u16string_view text) {
-    std::string bytes;
-    const auto add = [&bytes](char32_t lead, char32_t code, int following) {
-        bytes += static_cast<char>(lead | code >> (6 * following));
-        while (following-- > 0) {
-            bytes += static_cast<char>(0x80 | (code >> (6 * following) & 0x3F));
-        }
-    };
-    while (!text.empty()) {
-        const auto length = characterLength(text);
-        char32_t code = length == 0 ? U'\uFFFD' : text.front();
-        if (length == 2) {
-            code = 0x10000 + ((char32_t{text[0]} - 0xD800) << 10) + (char32_t{text[1]} - 0xDC00);
-        }
-        if (code < 0x80) {
-            bytes += static_cast<char>(code);
-        } else if (code < 0x800) {
-            add(0xC0, code, 1);
-        } else if (code < 0x10000) {
-            add(0xE0, code, 2);
-        } else {
-            add(0xF0, code, 3);
-        }
-        text.remove_prefix(length == 0 ? 1 : length);
-    }
-    return bytes;
-}
-
-std::u16string toJson(std::u16string_view text) {
-    constexpr std::u16string_view digits = u"0123456789abcdef";
-    std::u16string json = u"\"";
-    while (!text.empty()) {
-        const char16_t unit = text.front();
-        const auto length = characterLength(text);
-        constexpr std::u16string_view named = u"\"\\\b\f\n\r\t";
-        if (const auto at = named.find(unit); at != std::u16string_view::npos) {
-            json += {u'\\', u"\"\\bfnrt"[at]};
-        } else if (unit < ' ' || length == 0) {
-            json += {u'\\',
-                     u'u',
-                     digits[unit >> 12],
-                     digits[unit >> 8 & 0xF],
-                     digits[unit >> 4 & 0xF],
-                     digits[unit & 0xF]};
-        } else {
-            json += text.substr(0, length);
-        }
-        text.remove_prefix(length == 0 ? 1 : length);
-    }
-    return json + u'"';
 }

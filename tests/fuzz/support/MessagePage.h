@@ -17,6 +17,10 @@ class MessagePage {
 
     /// Runs a script and gives the messages that the engine has got from the page when its result comes.
     std::vector<std::string> messagesOf(const std::string& script);
+    std::string resultOf(const std::string& script);
+    /// A text, given as an expression, as UTF-8 by the browser engine's own rules: what is no character is
+    /// U+FFFD.
+    std::string utf8Of(const std::string& text);
 
   private:
     MessagePage();
@@ -31,9 +35,3 @@ std::u16string toUnits(std::span<const std::uint8_t> bytes);
 
 /// The text as an expression of JavaScript.
 std::string toScript(std::u16string_view text);
-
-/// As UTF-8; what is no character is U+FFFD.
-std::string toUtf8(std::u16string_view text);
-
-/// As JSON writes it: between quotes, halves of characters escaped.
-std::u16string toJson(std::u16string_view text);

@@ -16,11 +16,9 @@ namespace Zarvik.Orvella.LibraryTests
         private const int NotImplemented = unchecked((int)0x80004001);
         private const uint RowAlignment = 256;
 
-        private static readonly Func<ulong, ulong, bool> IsGraphics =
-            (high, low) => high == 0xAAB37EF87A87D748 && low == 0xBF76967F07EFB177;
-
         private static readonly ComObject* Device = Create(DeviceTable(), null, 0, 0);
         private static readonly ComObject* Context = Create(ContextTable(), null, 0, 0);
+        private static readonly IntPtr Graphics = GraphicsTable();
 
         private static int liveTextures;
         private static int liveViews;
@@ -74,6 +72,13 @@ namespace Zarvik.Orvella.LibraryTests
                 table[i] = (delegate* unmanaged<IntPtr, int>)&Refuse;
             }
             return table;
+        }
+
+        private static IntPtr GraphicsTable()
+        {
+            void** table = AllocateTable(1);
+            table[0] = (delegate* unmanaged<ComObject*>)&GetDevice;
+            return (IntPtr)table;
         }
 
         private static void** ComTable(int length)
@@ -162,11 +167,7 @@ namespace Zarvik.Orvella.LibraryTests
         [UnmanagedCallersOnly]
         private static IntPtr GetInterface(ulong high, ulong low)
         {
-            if (!IsGraphics(high, low))
-            {
-                return IntPtr.Zero;
-            }
-            return Graphics.Table;
+            return high == 0xAAB37EF87A87D748 && low == 0xBF76967F07EFB177 ? Graphics : IntPtr.Zero;
         }
 
         [UnmanagedCallersOnly]
@@ -244,18 +245,6 @@ namespace Zarvik.Orvella.LibraryTests
             internal byte* Data;
             internal uint RowPitch;
             internal uint DepthPitch;
-        }
-
-        private static class Graphics
-        {
-            internal static readonly IntPtr Table = Make();
-
-            private static IntPtr Make()
-            {
-                void** table = AllocateTable(1);
-                table[0] = (delegate* unmanaged<ComObject*>)&GetDevice;
-                return (IntPtr)table;
-            }
         }
     }
 }

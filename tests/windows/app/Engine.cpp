@@ -28,61 +28,19 @@ Function replace(void* object, Pointer method, Function function) {
 
 using Map = HRESULT(__stdcall*)(ID3D11DeviceContext*, ID3D11Resource*, UINT, D3D11_MAP, UINT,
                                 D3D11_MAPPED_SUBRESOURCE*);
-using Unmap = void(__stdcall*)(ID3D11DeviceContext*, ID3D11Resource*, UINT);
 using CreateTexture = HRESULT(__stdcall*)(ID3D11Device*, const D3D11_TEXTURE2D_DESC*,
                                           const D3D11_SUBRESOURCE_DATA*, ID3D11Texture2D**);
 using CreateView = HRESULT(__stdcall*)(ID3D11Device*, ID3D11Resource*, const D3D11_SHADER_RESOURCE_VIEW_DESC*,
                                        ID3D11ShaderResourceView**);
 
 Map realMap;
-Unmap realUnmap;
 CreateTexture realCreateTexture;
 CreateView realCreateView;
 
-/// Memory that stands in for a texture's while it is mapped, with longer rows.
-struct Padded {
-    D3D11_MAPPED_SUBRESOURCE real{};
-    UINT width = 0;
-    UINT height = 0;
-    std::vector<std::uint8_t> bytes;
-} padded;
-
 HRESULT __stdcall map(ID3D11DeviceContext* context, ID3D11Resource* resource, UINT index, D3D11_MAP kind,
                       UINT flags, D3D11_MAPPED_SUBRESOURCE* mapped) {
-    if (kind == D3D11_MAP_WRITE_DISCARD && FAILED(Engine::faults.map)) {
-        return Engine::faults.map;
-    }
-    const HRESULT result = realMap(context, resource, index, kind, flags, mapped);
-    if (FAILED(result) || kind != D3D11_MAP_WRITE_DISCARD || Engine::faults.padding == 0) {
-        return result;
-    }
-    D3D11_TEXTURE2D_DESC description{};
-    static_cast<ID3D11Texture2D*>(resource)->GetDesc(&description);
-    padded = {*mapped, description.Width, description.Height, {}};
-    mapped->RowPitch = description.Width * 4 + Engine::faults.padding;
-    // Nothing may be written behind the last row's pixels.
-    padded.bytes.assign(std::size_t{mapped->RowPitch} * description.Height, 0xCD);
-    mapped->pData = padded.bytes.data();
-    return result;
-}
-
-void __stdcall unmap(ID3D11DeviceContext* context, ID3D11Resource* resource, UINT index) {
-    if (!padded.bytes.empty()) {
-        const std::size_t pitch = padded.bytes.size() / padded.height;
-        for (UINT y = 0; y < padded.height; ++y) {
-            const std::uint8_t* const row = &padded.bytes[y * pitch];
-            std::memcpy(static_cast<std::uint8_t*>(padded.real.pData) + std::size_t{y} * padded.real.RowPitch,
-                        row, std::size_t{padded.width} * 4);
-            for (std::size_t i = std::size_t{padded.width} * 4; i < pitch; ++i) {
-                if (row[i] != 0xCD) {
-                    app::finding("the padding of a row was written to");
-                    break;
-                }
-            }
-        }
-        padded = {};
-    }
-    realUnmap(context, resource, index);
+    const bool fails = kind == D3D11_MAP_WRITE_DISCARD && FAILED(Engine::faults.map);
+    return fails ? Engine::faults.map : realMap(context, resource, index, kind, flags, mapped);
 }
 
 HRESULT __stdcall createTexture(ID3D11Device* device, const D3D11_TEXTURE2D_DESC* description,
@@ -114,7 +72,6 @@ Engine::Engine(const wchar_t* library) {
     winrt::check_hresult(D3D11CreateDevice(nullptr, D3D_DRIVER_TYPE_HARDWARE, nullptr, 0, nullptr, 0,
                                            D3D11_SDK_VERSION, d3dDevice.put(), nullptr, context.put()));
     realMap = replace(context.get(), &ID3D11DeviceContext::Map, map);
-    realUnmap = replace(context.get(), &ID3D11DeviceContext::Unmap, unmap);
     realCreateTexture = replace(d3dDevice.get(), &ID3D11Device::CreateTexture2D, createTexture);
     realCreateView = replace(d3dDevice.get(), &ID3D11Device::CreateShaderResourceView, createView);
 

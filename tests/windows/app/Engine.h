@@ -13,12 +13,11 @@
 #include "zarvik/host/Plugin.h"
 #include "zarvik/host/Recorder.h"
 
-/// Misbehaviour of the device: the codes with which these fail, and what Map adds to the length of a row.
+/// Misbehaviour of the device: the codes with which these fail.
 struct DeviceFaults {
     HRESULT createTexture = S_OK;
     HRESULT createView = S_OK;
     HRESULT map = S_OK;
-    UINT padding = 0;
 
     bool isAny() const { return FAILED(createTexture) || FAILED(createView) || FAILED(map); }
 };

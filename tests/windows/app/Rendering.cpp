@@ -9,25 +9,20 @@ namespace {
 using app::check;
 using app::world;
 
-void everyPathAndRowLength(Engine& engine) {
+void bothPaths(Engine& engine) {
     for (const bool preview : {false, true}) {
-        for (const UINT padding : {0U, 4U, 12U, 212U}) {
-            Engine::faults.padding = padding;
-            const int renderings = world()->renderings;
-            const int previews = world()->previews;
-            Session session(engine, 61, 43, preview);
-            session.load();
-            for (int picture = 0; picture < 2; ++picture) {
-                ++world()->colour;
-                check(session.shows(61, 43),
-                      "the texture shows the page, padding " + std::to_string(padding));
-            }
-            check(session.announcements() == 1, "one texture, one announcement");
-            check((world()->renderings > renderings) == !preview && (world()->previews > previews) == preview,
-                  "pictures are taken the way that was asked for");
+        const int renderings = world()->renderings;
+        const int previews = world()->previews;
+        Session session(engine, 61, 43, preview);
+        session.load();
+        for (int picture = 0; picture < 2; ++picture) {
+            ++world()->colour;
+            check(session.shows(61, 43), "the texture shows the page");
         }
+        check(session.announcements() == 1, "one texture, one announcement");
+        check((world()->renderings > renderings) == !preview && (world()->previews > previews) == preview,
+              "pictures are taken the way that was asked for");
     }
-    Engine::faults.padding = 0;
 }
 
 void sizes(Engine& engine) {
@@ -39,13 +34,6 @@ void sizes(Engine& engine) {
         session.turn();
     }
     check(session.shows(100, 50), "after many sizes");
-    engine.plugin().WebView_zoomIn(session.view());
-    check(session.shows(90, 45), "zoomed in");
-    engine.plugin().WebView_zoomOut(session.view());
-    engine.plugin().WebView_zoomOut(session.view());
-    check(session.shows(110, 55), "zoomed out");
-    engine.plugin().WebView_zoomIn(session.view());
-
     const int previews = world()->previews;
     engine.plugin().WebView_resize(session.view(), 1001, 9);
     check(session.shows(1001, 9) && world()->previews > previews, "larger than the window");
@@ -71,27 +59,6 @@ void screenshots(Engine& engine) {
         check(std::equal(&picture[row * 120], &picture[row * 120] + 120, &raw[(19 - row) * 120]),
               "the raw data begin at the bottom");
     }
-}
-
-void pauses(Engine& engine) {
-    Session session(engine, 30, 20);
-    session.load();
-    check(session.shows(30, 20), "before the pause");
-    engine.plugin().WebView_setRenderingEnabled(session.view(), false);
-    session.evaluate("0");
-    Sleep(50);
-    const int before = world()->renderings;
-    Sleep(100);
-    check(world()->renderings == before, "no pictures while rendering is disabled");
-    ++world()->colour;
-    engine.plugin().WebView_setRenderingEnabled(session.view(), true);
-    check(session.shows(30, 20), "after the pause");
-    // On and off in haste leaves one loop or two, but never none and never a stuck one.
-    for (int i = 0; i < 50; ++i) {
-        engine.plugin().WebView_setRenderingEnabled(session.view(), i % 2 != 0);
-    }
-    ++world()->colour;
-    check(session.shows(30, 20), "after switching in haste");
 }
 
 void endings(Engine& engine) {
@@ -227,10 +194,9 @@ void playRendering(Engine& engine) {
         app::beginStep(name);
         part(engine);
     };
-    step("every path and row length", everyPathAndRowLength);
+    step("both paths", bothPaths);
     step("sizes", sizes);
     step("screenshots", screenshots);
-    step("pauses", pauses);
     step("requests", requests);
     step("places", places);
     for (const auto& record : engine.recorder().all()) {
