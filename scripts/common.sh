@@ -47,7 +47,8 @@ start_display() {
     mkfifo "$display_folder/number"
     # The server takes any cookie of the file; clients look theirs up by the number, known only afterwards.
     xauth -q -f "$XAUTHORITY" add :0 . "$cookie" 2>/dev/null
-    Xvfb -displayfd 6 -screen 0 1920x1080x24 +extension GLX -nolisten tcp -auth "$XAUTHORITY" \
+    # Without a reset, during which nobody could connect, when the last client leaves.
+    Xvfb -displayfd 6 -screen 0 1920x1080x24 +extension GLX -nolisten tcp -noreset -auth "$XAUTHORITY" \
         6>"$display_folder/number" >"$display_folder/log" 2>&1 &
     display_server=$!
     trap stop_display EXIT
