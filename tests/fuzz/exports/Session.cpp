@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 
 #include "fuzz/support/Require.h"
 #include "support/Pdf.h"
@@ -19,6 +21,21 @@ constexpr auto patience = 40s;
 
 /// How long a sequence waits for a load to end, which it may never do.
 constexpr auto shortPatience = 400ms;
+
+/// Whether a page process has come so far that it exchanges messages. The browser engine ends the whole program
+/// when one dies before.
+bool isConnected(pid_t process) {
+    std::error_code gone;
+    for (const auto& task :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task", gone)) {
+        std::string name;
+        std::getline(std::ifstream(task.path() / "comm"), name);
+        if (name == "ReceiveQueue") {
+            return true;
+        }
+    }
+    return false;
+}
 
 }  // namespace
 
@@ -179,7 +196,9 @@ void Session::failDevice(int what) {
 }
 
 void Session::killPage(std::size_t index) {
-    if (const auto processes = pageProcesses(); !processes.empty()) {
+    auto processes = pageProcesses();
+    std::erase_if(processes, [](pid_t process) { return !isConnected(process); });
+    if (!processes.empty()) {
         kill(processes[index % processes.size()], SIGKILL);
     }
 }
