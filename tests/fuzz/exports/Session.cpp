@@ -22,14 +22,15 @@ constexpr auto patience = 40s;
 /// How long a sequence waits for a load to end, which it may never do.
 constexpr auto shortPatience = 400ms;
 
-/// Whether a page process has come so far that it exchanges messages. The browser engine ends the whole program
-/// when one dies before.
+/// Whether a page process has come so far that it exchanges messages. The browser engine ends the whole
+/// program when one dies before.
 bool isConnected(pid_t process) {
     std::error_code gone;
-    for (const auto& task :
-         std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task", gone)) {
+    const auto tasks = "/proc/" + std::to_string(process) + "/task";
+    for (auto task = std::filesystem::directory_iterator(tasks, gone);
+         !gone && task != std::filesystem::directory_iterator(); task.increment(gone)) {
         std::string name;
-        std::getline(std::ifstream(task.path() / "comm"), name);
+        std::getline(std::ifstream(task->path() / "comm"), name);
         if (name == "ReceiveQueue") {
             return true;
         }
