@@ -255,8 +255,10 @@ uint32_t* view_surface::stale_pixel(canvas const& target, int allocated_width, i
         cairo_region_get_rectangle(visible, 0, &first);
     }
     cairo_region_destroy(visible);
-    auto const x = static_cast<int>((first.x + first.width / 2) * scale_x);
-    auto const y = static_cast<int>((first.y + first.height / 2) * scale_y);
+    int const middle_x = first.x + first.width / 2;
+    int const middle_y = first.y + first.height / 2;
+    auto const x = static_cast<int>(middle_x * scale_x);
+    auto const y = static_cast<int>(middle_y * scale_y);
     if (!any || x >= target.width || y >= target.height) {
         return nullptr;
     }
