@@ -234,7 +234,7 @@ void script_calls::send() {
 /// Input for each frame of an animation is far from that.
 bool script_calls::one_follows_another() const {
     constexpr int64_t at_once_us = 300;
-    return g_get_monotonic_time() - last_ran < at_once_us;
+    return pending.size() == 1 && g_get_monotonic_time() - last_ran < at_once_us;
 }
 
 // A page tells that it has run a batch, and what it had sent before has then arrived. Nobody tells that it is
