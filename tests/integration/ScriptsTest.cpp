@@ -91,6 +91,13 @@ TEST_F(ScriptsTest, FiveHundredScriptsAreAnsweredOnceAndInOrder) {
     EXPECT_EQ(messagesSince(from, view), expected);
 }
 
+TEST_F(ScriptsTest, LargeTextsPassBothWays) {
+    loadHtml(view, "<p>page");
+    const std::string large(1'000'000, 'x');
+    EXPECT_EQ(evaluate("'" + large + "'.length"), "1000000");
+    EXPECT_EQ(evaluate("'é'.repeat(500000)").size(), large.size());
+}
+
 TEST_F(ScriptsTest, ANavigationAnswersTheScriptsThatItCutsOff) {
     server.page("/next", "<p>next");
     loadHtml(view, "<p>page");
