@@ -31,6 +31,12 @@ class PageMessagesTest : public EngineTest {
         return payloads;
     }
 
+    static std::string agentUrlChanged(const std::string& url, const std::string& title,
+                                       const std::string& type) {
+        return R"({"type":"zarvik.webview.urlChanged","urlAction":{"Url":")" + url + R"(","Title":")" +
+               title + R"(","Type":")" + type + R"("}})";
+    }
+
     View view{engine, {320, 240}};
 };
 
@@ -48,8 +54,7 @@ TEST_F(PageMessagesTest, MessagesArriveUnchangedAndInOrder) {
     server.page("/page", R"(<script>_zarvikBridge.postMessage('before the agent')</script>)");
     load(view, server.url("/page"));
     EXPECT_TRUE(waitForPageMessage("before the agent"));
-    EXPECT_TRUE(waitForPageMessage(R"({"type":"zarvik.webview.urlChanged","urlAction":{"Url":")" +
-                                   server.url("/page") + R"(","Title":"","Type":"LOAD"}})"));
+    EXPECT_TRUE(waitForPageMessage(agentUrlChanged(server.url("/page"), "", "LOAD")));
     const auto from = recorder().position();
     evaluate(R"(zarvik.postMessage('plain "text" ü 😀 \n'); zarvik.postMessage({ a: 1, b: ['x'] });
                 zarvik.postMessage('zarvik.webview.uwp.iframesNeedBrowserAgent');
@@ -58,6 +63,25 @@ TEST_F(PageMessagesTest, MessagesArriveUnchangedAndInOrder) {
     EXPECT_EQ(pageMessagesSince(from),
               (std::vector<std::string>{"plain \"text\" ü 😀 \n", R"({"a":1,"b":["x"]})",
                                         "x zarvik.webview.uwp.iframesNeedBrowserAgent"}));
+}
+
+TEST_F(PageMessagesTest, TheAgentReportsUrlsAndTitles) {
+    const auto url = server.url("/page");
+    server.page("/page", "<title>first</title>");
+    load(view, url);
+    EXPECT_TRUE(waitForPageMessage(agentUrlChanged(url, "first", "LOAD")));
+    EXPECT_TRUE(waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"first"})"));
+    auto from = recorder().position();
+    evaluate("history.pushState(null, '', '/pushed'); history.replaceState(null, '', '/replaced')");
+    EXPECT_EQ(pageMessagesSince(from),
+              (std::vector<std::string>{agentUrlChanged(server.url("/pushed"), "first", "PUSH_STATE"),
+                                        agentUrlChanged(server.url("/replaced"), "first", "REPLACE_STATE")}));
+    from = recorder().position();
+    evaluate("document.title = 'second \"quoted\"'; location.hash = 'a'");
+    EXPECT_TRUE(waitForPageMessage(
+        agentUrlChanged(server.url("/replaced#a"), R"(second \"quoted\")", "HASH_CHANGE"), from));
+    EXPECT_TRUE(
+        waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"second \"quoted\""})", from));
 }
 
 TEST_F(PageMessagesTest, ConsoleMessagesAreReportedWhileEnabled) {
