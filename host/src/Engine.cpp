@@ -160,6 +160,7 @@ void Engine::registerCallbacks() {
 void Engine::turn() {
     for (const View* view : views) {
         render(view->key());
+        glDevice.synchronize();  // each by itself, so that all use the same mapped memory
     }
     glDevice.synchronize();
     if (drawing && drawing()) {

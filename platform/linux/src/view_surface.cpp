@@ -45,6 +45,8 @@ class witness {
     uint32_t original;
 };
 
+constexpr int64_t patience_us = int64_t{1000} * view_surface::patience_ms;
+
 /// How many pictures are kept for reuse: one that the receiver still shows, one to paint the next into.
 constexpr size_t kept_canvases = 2;
 
@@ -93,15 +95,24 @@ void view_surface::request(int32_t width, int32_t height, receiver deliver) {
     if (!empty && (frame_waiting || !latest || latest->width != width || latest->height != height)) {
         answer_waiting();
     } else if (!timer) {
-        wait(patience_ms);
+        wait();
     }
 }
 
-/// One timer for all requests, which wakes the thread only when a request may have waited long enough.
-void view_surface::wait(int milliseconds) {
-    timer = g_timeout_add_once(
-        static_cast<guint>(milliseconds),
-        [](gpointer self) { static_cast<view_surface*>(self)->answer_expired(); }, this);
+/// One timer for all requests. It goes off at a moment that is the same for all surfaces, so that many pages
+/// at rest wake the thread no more often than one.
+void view_surface::wait() {
+    auto* const source = g_timeout_source_new(patience_ms);
+    g_source_set_ready_time(source, (g_get_monotonic_time() / patience_us + 1) * patience_us);
+    g_source_set_callback(
+        source,
+        [](gpointer self) -> gboolean {
+            static_cast<view_surface*>(self)->answer_expired();
+            return G_SOURCE_REMOVE;
+        },
+        this, nullptr);
+    timer = g_source_attach(source, nullptr);
+    g_source_unref(source);
 }
 
 gboolean view_surface::on_draw(GtkWidget*, cairo_t* context, gpointer data) {
@@ -149,11 +160,11 @@ void view_surface::answer_expired() {
     if (requests.empty()) {
         return;
     }
-    auto const waited_ms = static_cast<int>((g_get_monotonic_time() - requests.front().since) / 1000);
-    if (waited_ms >= patience_ms) {
+    auto const waited_us = g_get_monotonic_time() - requests.front().since;
+    if (waited_us >= patience_us / 2) {
         answer_waiting();
     } else {
-        wait(patience_ms - waited_ms);
+        wait();
     }
 }
 

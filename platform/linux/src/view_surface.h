@@ -28,8 +28,8 @@ class view_surface {
     using receiver = std::function<void(picture const&)>;
 
     /// Asks for a picture of `width` x `height` device pixels. The answer comes in a later turn of the loop:
-    /// with the next frame that the widget composes, at once if one is waiting, or after `patience` with what
-    /// there is.
+    /// with the next frame that the widget composes, at once if one is waiting, or after about `patience` with
+    /// what there is.
     void request(int32_t width, int32_t height, receiver deliver);
 
     /// Whether the surface paints instead of GTK. Off while the widget is in a window on the screen.
@@ -38,7 +38,7 @@ class view_surface {
     /// Whether the widget paints every pixel of its area.
     void set_opaque(bool value);
 
-    /// How long a request waits for a new frame.
+    /// How long a request waits for a new frame, half of it more or less.
     static constexpr int patience_ms = 100;
 
   private:
@@ -64,7 +64,7 @@ class view_surface {
     void note_damage(cairo_t* context);
     void answer_waiting();
     void answer_expired();
-    void wait(int milliseconds);
+    void wait();
     picture compose(int32_t width, int32_t height);
     picture lend(std::shared_ptr<canvas> const& lender);
     std::shared_ptr<canvas> writable_canvas(int32_t width, int32_t height);
