@@ -2,6 +2,7 @@
 // on.
 
 #include <csignal>
+#include <fstream>
 
 #include "support/EngineTest.h"
 #include "support/Processes.h"
@@ -88,6 +89,30 @@ TEST_F(RecoveryTest, APageThatDiesIsSeenUntilItIsThereAgain) {
         }
         return isFilled(image, 255, 0, 0);
     }));
+}
+
+TEST_F(RecoveryTest, APageThatTakesTooMuchMemoryIsLoadedAgain) {
+    server.page("/page", "<title>page</title>");
+    load(view, server.url("/page"));
+    const auto from = recorder().position();
+    // Without a moment for anything else in its process.
+    plugin().WebView_executeJavaScript(
+        view.handle(), "for (const all = [];;) { all.push(new Uint8Array(1 << 26).fill(1)); }", "1");
+    ASSERT_TRUE(waitForFinish(from));
+    EXPECT_TRUE(waitForError("The process of the page has ended unexpectedly.", from));
+    EXPECT_EQ(view.evaluate("document.title"), "page");
+}
+
+TEST_F(RecoveryTest, TheKernelEndsPagesBeforeTheEngineWhenMemoryRunsOut) {
+    const auto inclination = [](pid_t process) {
+        int score = -1;
+        std::ifstream("/proc/" + std::to_string(process) + "/oom_score") >> score;
+        return score;
+    };
+    loadHtml(view, "<title>page</title>");
+    const auto pages = newPageProcesses();
+    ASSERT_EQ(pages.size(), 1U);
+    EXPECT_GT(inclination(pages.front()), inclination(getpid()) + 300);
 }
 
 TEST_F(RecoveryTest, APageInAnEndlessLoopHoldsNobodyUp) {

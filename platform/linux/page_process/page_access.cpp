@@ -8,10 +8,9 @@
 //   stayAwake()               lets the page's process not sleep for a moment
 //
 // All are for the top document only, and pages do not see that world. It also lets local pages play local
-// media, and keeps pages from starving the engine.
+// media, and keeps pages from taking the machine from the engine.
 
 #include <gio/gunixfdlist.h>
-#include <sys/resource.h>
 #include <sys/uio.h>
 #include <unistd.h>
 #include <webkit2/webkit-web-extension.h>
@@ -21,6 +20,7 @@
 #include "../src/glib_ptr.h"
 #include "../src/wakeful_loop.h"
 #include "answer.h"
+#include "fair_share.h"
 #include "local_media.h"
 
 namespace {
@@ -133,14 +133,6 @@ gboolean on_user_message(WebKitWebPage* page, WebKitUserMessage* message, gpoint
     return TRUE;
 }
 
-/// Several pages that do nothing but draw would take the processors from the thread that takes their pictures
-/// over, and draw more that nobody sees. This is the page's thread; those that it starts follow, those that
-/// exchange messages run already.
-void yield_to_engine() {
-    constexpr int niceness = 5;
-    setpriority(PRIO_PROCESS, 0, niceness);
-}
-
 void on_page_created(WebKitWebExtension*, WebKitWebPage* page, gpointer) {
     answer_file::add_to(page);
     g_signal_connect(page, "user-message-received", G_CALLBACK(on_user_message), nullptr);
@@ -150,7 +142,7 @@ void on_page_created(WebKitWebExtension*, WebKitWebPage* page, gpointer) {
 
 extern "C" G_MODULE_EXPORT void webkit_web_extension_initialize(WebKitWebExtension* extension) {
     allow_local_media();
-    yield_to_engine();
+    take_fair_share();
     g_signal_connect(extension, "page-created", G_CALLBACK(on_page_created), nullptr);
     // Kept for the life of the process.
     WebKitScriptWorld* const world = webkit_script_world_new_with_name("runtime");

@@ -1,0 +1,9 @@
+#pragma once
+
+/// Keeps a page from taking the machine from the engine. Called once, on the page's thread, when its process
+/// starts:
+/// - that thread and those that it starts later yield to the engine's threads,
+/// - the process ends when it has more memory than half of the machine's, or than the megabytes that
+///   WEBVIEW_MEMORY_LIMIT says, also while a script runs,
+/// - the kernel ends it rather than the engine if memory runs out.
+void take_fair_share();
