@@ -45,6 +45,9 @@ class witness {
     uint32_t original;
 };
 
+/// What the widget knows its surface by, since windows tell their handlers nothing else.
+constexpr char const* key = "surface";
+
 constexpr int64_t patience_us = int64_t{1000} * view_surface::patience_ms;
 
 /// How many pictures are kept for reuse: one that the receiver still shows, one to paint the next into.
@@ -63,13 +66,19 @@ view_surface::canvas::~canvas() {
     cairo_region_destroy(stale);
 }
 
-view_surface::view_surface(GtkWidget* widget)
-    : widget(widget), draw_handler(g_signal_connect(widget, "draw", G_CALLBACK(on_draw), this)) {}
+view_surface::view_surface(GtkWidget* widget) : widget(widget) {
+    g_object_set_data(G_OBJECT(widget), key, this);
+    g_signal_connect(widget, "draw", G_CALLBACK(on_draw), this);
+    g_signal_connect_after(widget, "realize", G_CALLBACK(on_realize), nullptr);
+}
 
 view_surface::~view_surface() {
-    g_signal_handler_disconnect(widget, draw_handler);
-    if (timer) {
-        g_source_remove(timer);
+    g_object_set_data(G_OBJECT(widget), key, nullptr);
+    g_signal_handlers_disconnect_by_data(widget, this);
+    for (auto const source : {timer, answering}) {
+        if (source) {
+            g_source_remove(source);
+        }
     }
     for (auto const& request : requests) {
         request.deliver({});
@@ -115,35 +124,62 @@ void view_surface::wait() {
     g_source_unref(source);
 }
 
+void view_surface::on_realize(GtkWidget* widget, gpointer) {
+    gdk_window_set_invalidate_handler(gtk_widget_get_window(widget), on_invalidate);
+}
+
+/// Has GTK forget what it would have painted: its way to paint nothing costs the display's server two copies
+/// of the area.
+void view_surface::on_invalidate(GdkWindow* window, cairo_region_t* region) {
+    gpointer owner = nullptr;
+    gdk_window_get_user_data(window, &owner);
+    auto* const self = owner ? static_cast<view_surface*>(g_object_get_data(G_OBJECT(owner), key)) : nullptr;
+    if (!self || !self->offscreen || self->painting) {
+        return;
+    }
+    self->note_damage(region);
+    cairo_region_subtract(region, region);
+}
+
 gboolean view_surface::on_draw(GtkWidget*, cairo_t* context, gpointer data) {
     auto* const self = static_cast<view_surface*>(data);
     if (self->painting) {
         return GDK_EVENT_PROPAGATE;
     }
-    self->note_damage(context);
-    self->frame_waiting = true;
-    if (!self->requests.empty()) {
-        self->answer_waiting();
+    auto* const rectangles = cairo_copy_clip_rectangle_list(context);
+    auto* const damage = cairo_region_create();
+    if (rectangles->status != CAIRO_STATUS_SUCCESS) {
+        cairo_region_union_rectangle(damage, &everything);
     }
+    for (int i = 0; i < rectangles->num_rectangles; ++i) {
+        auto const& part = rectangles->rectangles[i];
+        cairo_rectangle_int_t const area{static_cast<int>(part.x), static_cast<int>(part.y),
+                                         static_cast<int>(part.width + 1), static_cast<int>(part.height + 1)};
+        cairo_region_union_rectangle(damage, &area);
+    }
+    self->note_damage(damage);
+    cairo_region_destroy(damage);
+    cairo_rectangle_list_destroy(rectangles);
     return self->offscreen ? GDK_EVENT_STOP : GDK_EVENT_PROPAGATE;
 }
 
-void view_surface::note_damage(cairo_t* context) {
-    auto* const rectangles = cairo_copy_clip_rectangle_list(context);
+void view_surface::note_damage(cairo_region_t const* damage) {
     for (auto const& entry : canvases) {
-        if (rectangles->status != CAIRO_STATUS_SUCCESS) {
-            cairo_region_union_rectangle(entry->stale, &everything);
-            continue;
-        }
-        for (int i = 0; i < rectangles->num_rectangles; ++i) {
-            auto const& damage = rectangles->rectangles[i];
-            cairo_rectangle_int_t const area{static_cast<int>(damage.x), static_cast<int>(damage.y),
-                                             static_cast<int>(damage.width + 1),
-                                             static_cast<int>(damage.height + 1)};
-            cairo_region_union_rectangle(entry->stale, &area);
-        }
+        cairo_region_union(entry->stale, damage);
     }
-    cairo_rectangle_list_destroy(rectangles);
+    frame_waiting = true;
+    if (!requests.empty() && !answering) {
+        // In a turn of its own, for the browser engine is in the middle of taking the frame over.
+        answering = g_idle_add_full(
+            G_PRIORITY_DEFAULT,
+            [](gpointer data) -> gboolean {
+                auto* const self = static_cast<view_surface*>(data);
+                self->answering = 0;
+                self->answer_waiting();
+                return G_SOURCE_REMOVE;
+            },
+            this, nullptr);
+    }
 }
 
 void view_surface::answer_waiting() {

@@ -14,7 +14,7 @@ namespace runtime {
 
 /// Pictures of a widget that is not on the screen.
 ///
-/// It takes the place of GTK's own painting: where GTK would paint the widget, the damage is only noted, and
+/// It takes the place of GTK's own painting: when the widget is to be painted, the damage is only noted, and
 /// pixels go straight from the browser's surface into a picture when somebody wants one. What nobody asks for
 /// is never copied, and a widget without damage yields the same picture again. User-interface thread only.
 class view_surface {
@@ -60,8 +60,10 @@ class view_surface {
         int64_t since;
     };
 
+    static void on_realize(GtkWidget* widget, gpointer);
+    static void on_invalidate(GdkWindow* window, cairo_region_t* region);
     static gboolean on_draw(GtkWidget* widget, cairo_t* context, gpointer self);
-    void note_damage(cairo_t* context);
+    void note_damage(cairo_region_t const* damage);
     void answer_waiting();
     void answer_expired();
     void wait();
@@ -73,8 +75,8 @@ class view_surface {
                                  double scale_x, double scale_y);
 
     GtkWidget* widget;
-    gulong draw_handler = 0;
     guint timer = 0;
+    guint answering = 0;
     bool offscreen = true;
     bool opaque = true;
     bool frame_waiting = true;  // composed since the last picture
