@@ -162,9 +162,10 @@ TEST_F(HostilePagesTest, AFloodOfMessagesKeepsItsOrderAndTheEngineItsMemory) {
     long most = 0;
     bool isComing = true;
     while (isComing && received < 300) {
+        const int seen = received;
         most = std::max(most, residentMemory());
         EXPECT_EQ(bystander.evaluate("1 + 1"), "2");
-        isComing = waitUntil([&received, seen = received.load()] { return received > seen; });
+        isComing = waitUntil([&] { return received > seen; });
     }
     EXPECT_EQ(received, 300);
     recorder().setObserver(nullptr);

@@ -1,18 +1,21 @@
 #include "fair_share.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <chrono>
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
 
 namespace {
+
+std::atomic<int> engine = -1;
 
 /// Several pages that do nothing but draw would take the processors from the thread that takes their pictures
 /// over, and draw more that nobody sees. Threads that exchange messages run already and stay as they are.
@@ -49,22 +52,18 @@ int64_t memory_in_use(int statistics) {
     return int64_t{pages} * sysconf(_SC_PAGESIZE);
 }
 
-/// A thread of its own, since a script can keep the page's thread busy for ever.
-void bound_memory() {
+/// In a thread of its own, since a script can keep the page's thread busy for ever.
+void watch_memory_and_engine() {
     int const statistics = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
-    if (statistics < 0) {
-        return;
-    }
     std::thread([statistics, limit = memory_limit()] {
-        using std::chrono::milliseconds;
         constexpr int64_t fastest_growth = 2'000'000;  // bytes per millisecond
         while (true) {
             int64_t const left = limit - memory_in_use(statistics);
-            if (left < 0) {
+            auto const pause = std::clamp<int64_t>(left / fastest_growth, 50, 2000);
+            pollfd ended{engine, POLLIN, 0};
+            if (left < 0 || poll(&ended, 1, static_cast<int>(pause)) > 0) {
                 _exit(EXIT_FAILURE);
             }
-            std::this_thread::sleep_for(
-                std::clamp(milliseconds(left / fastest_growth), milliseconds(50), milliseconds(2000)));
         }
     }).detach();
 }
@@ -73,6 +72,13 @@ void bound_memory() {
 
 void take_fair_share() {
     go_first_when_memory_runs_out();
-    bound_memory();
+    watch_memory_and_engine();
     yield_processors();
+}
+
+void end_with_engine(int process) {
+    int none = -1;
+    if (!engine.compare_exchange_strong(none, process)) {
+        close(process);
+    }
 }

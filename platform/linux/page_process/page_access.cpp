@@ -129,7 +129,11 @@ void on_window_object_cleared(WebKitScriptWorld* world, WebKitWebPage* web_page,
 
 gboolean on_user_message(WebKitWebPage* page, WebKitUserMessage* message, gpointer) {
     // Nothing else is sent.
-    answer_file::of(page).assign(g_unix_fd_list_get(webkit_user_message_get_fd_list(message), 0, nullptr));
+    GUnixFDList* const files = webkit_user_message_get_fd_list(message);
+    answer_file::of(page).assign(g_unix_fd_list_get(files, 0, nullptr));
+    if (g_unix_fd_list_get_length(files) > 1) {
+        end_with_engine(g_unix_fd_list_get(files, 1, nullptr));
+    }
     return TRUE;
 }
 
