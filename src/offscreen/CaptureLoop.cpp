@@ -113,13 +113,15 @@ foundation::IAsyncAction UwpWebView3D::publishFrame(std::shared_ptr<const PixelF
 }
 
 /// The page's clock and the engine's are two: now and then two pictures come within one turn of the engine
-/// and none within the next. The second waits here, so that both are shown.
+/// and none within the next. The second waits here, so that both are shown. It also waits until the first is
+/// freed, since the platform can then draw the third into the same memory.
 foundation::IAsyncAction UwpWebView3D::untilFrameTaken() {
     const auto self = shared_from_this();
     const auto taken = std::make_shared<CompletionEvent>();
     {
         const std::lock_guard lock(frameMutex);
-        if (!pendingFrame || frameTaken) {  // nothing to wait for, or a second loop waits already
+        const bool slotIsFree = !pendingFrame && !isShowing;
+        if (slotIsFree || frameTaken) {  // nothing to wait for, or a second loop waits already
             co_return;
         }
         frameTaken = taken;

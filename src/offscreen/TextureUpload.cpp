@@ -9,27 +9,38 @@
 
 void UwpWebView3D::render() {
     std::shared_ptr<const PixelFrame> frame;
-    std::shared_ptr<CompletionEvent> taken;
     {
         const std::lock_guard lock(frameMutex);
         frame.swap(pendingFrame);
-        taken.swap(frameTaken);
-    }
-    if (destroyed || (frame && frame->bytes.empty())) {
-        frame = nullptr;
-    }
-    std::optional<HRESULT> uploaded;
-    const AtEnd tryAgain([this, &frame, &uploaded] {
-        if (frame && FAILED(uploaded.value_or(E_FAIL))) {
-            publishUnchanged = true;
-        }
-    });
-    if (taken) {
-        postToUIThread([taken] { taken->set(); });
+        isShowing = frame != nullptr;
     }
     if (!frame) {
         return;
     }
+    std::shared_ptr<CompletionEvent> taken;
+    {
+        const AtEnd letNextCome([&] {
+            frame = nullptr;
+            const std::lock_guard lock(frameMutex);
+            isShowing = false;
+            taken.swap(frameTaken);
+        });
+        if (!destroyed && !frame->bytes.empty()) {
+            show(*frame);
+        }
+    }
+    if (taken) {
+        postToUIThread([taken] { taken->set(); });
+    }
+}
+
+void UwpWebView3D::show(const PixelFrame& frame) {
+    std::optional<HRESULT> uploaded;
+    const AtEnd tryAgain([this, &uploaded] {
+        if (FAILED(uploaded.value_or(E_FAIL))) {
+            publishUnchanged = true;
+        }
+    });
     // A missing device was reported when the texture was made.
     winrt::com_ptr<ID3D11DeviceContext> context;
     if (const auto device = engineDevice()) {
@@ -39,7 +50,7 @@ void UwpWebView3D::render() {
     {
         const std::lock_guard lock(textureMutex);
         if (texture && context) {
-            uploaded = upload(*frame, *context);
+            uploaded = upload(frame, *context);
             announced = std::move(textureToAnnounce);
         }
     }

@@ -14,9 +14,9 @@
 /// the UI thread takes picture after picture of it and leaves the newest one in a single slot, from which the
 /// render thread uploads it into the engine's texture.
 ///
-/// The two threads share pendingFrame and frameTaken under frameMutex, and texture with textureToAnnounce
-/// under textureMutex. Neither mutex is held while the other is taken, while a host message is sent or while
-/// a picture is freed.
+/// The two threads share pendingFrame, isShowing and frameTaken under frameMutex, and texture with
+/// textureToAnnounce under textureMutex. Neither mutex is held while the other is taken, while a host message
+/// is sent or while a picture is freed.
 class UwpWebView3D : public UwpWebView {
   public:
     UwpWebView3D(std::string messageTargetName, std::int32_t width, std::int32_t height,
@@ -52,6 +52,8 @@ class UwpWebView3D : public UwpWebView {
     foundation::IAsyncAction untilFrameTaken();
     void reportCaptureFailure(const std::string& text);
 
+    /// Render thread: brings the frame into the texture, which the engine hears of if it is new.
+    void show(const PixelFrame& frame);
     /// Render thread: copies the frame into the texture and returns the result of mapping it. textureMutex is
     /// held.
     HRESULT upload(const PixelFrame& frame, ID3D11DeviceContext& context);
@@ -81,7 +83,9 @@ class UwpWebView3D : public UwpWebView {
     std::mutex frameMutex;
     /// The newest frame that is not yet uploaded.
     std::shared_ptr<const PixelFrame> pendingFrame;
-    /// Set on the UI thread when the render thread takes pendingFrame, if a newer one waits for that.
+    /// Whether the render thread is at work with a frame that was pending.
+    bool isShowing = false;
+    /// Set on the UI thread when the render thread is done with a frame, if a newer one waits for that.
     std::shared_ptr<CompletionEvent> frameTaken;
 
     std::mutex textureMutex;
