@@ -1,5 +1,5 @@
-// Every test program starts here: what it stores goes to a folder of its own, which is gone afterwards, and its pages
-// take no more memory than a small machine has.
+// Every test program starts here: what it stores goes to a folder of its own, which is gone afterwards, and
+// its pages take no more memory than a small machine has.
 
 #include <gtest/gtest.h>
 #include <stdlib.h>

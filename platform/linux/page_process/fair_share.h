@@ -8,6 +8,6 @@
 /// - the kernel ends it rather than the engine if memory runs out.
 void take_fair_share();
 
-/// Ends the process when the engine's has ended, also while a script runs. `process` is a descriptor of that process
-/// (pidfd), owned from now on; only the first one matters.
+/// Ends the process when the engine's has ended, also while a script runs. `process` is a descriptor of that
+/// process (pidfd), owned from now on; only the first one matters.
 void end_with_engine(int process);

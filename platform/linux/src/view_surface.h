@@ -28,8 +28,8 @@ class view_surface {
     using receiver = std::function<void(picture const&)>;
 
     /// Asks for a picture of `width` x `height` device pixels. The answer comes in a later turn of the loop:
-    /// with the next frame that the widget composes, at once if one is waiting, or after about `patience` with
-    /// what there is.
+    /// with the next frame that the widget composes, at once if one is waiting, or after about `patience`
+    /// with what there is.
     void request(int32_t width, int32_t height, receiver deliver);
 
     /// Whether the surface paints instead of GTK. Off while the widget is in a window on the screen.
