@@ -183,6 +183,9 @@ void view_surface::note_damage(cairo_region_t const* damage) {
 }
 
 void view_surface::answer_waiting() {
+    if (requests.empty()) {
+        return;
+    }
     frame_waiting = false;
     for (auto& request : std::exchange(requests, {})) {
         // The receiver may do anything, so it gets its picture when GTK's frame is over.
