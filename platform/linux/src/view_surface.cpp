@@ -188,7 +188,7 @@ void view_surface::answer_waiting() {
     }
     frame_waiting = false;
     for (auto& request : std::exchange(requests, {})) {
-        // The receiver may do anything, so it gets its picture when GTK's frame is over.
+        // The receiver may do anything, so it gets its picture in a turn of its own.
         ui_thread::instance().post([result = compose(request.width, request.height),
                                     deliver = std::move(request.deliver)] { deliver(result); });
     }
