@@ -65,14 +65,17 @@ foundation::IAsyncAction UwpWebView3D::captureLoop() {
 }
 
 foundation::IAsyncAction UwpWebView3D::captureFrame() {
-    const bool bitmap = usesBitmapCapture() && fitsBitmapCapture(getWidth(), getHeight(), visibleBounds);
-    return bitmap ? captureBitmap() : capturePreview();
+    // The engine may resize the view meanwhile: what was judged to fit is what is rendered.
+    const std::int32_t scaledWidth = getWidth();
+    const std::int32_t scaledHeight = getHeight();
+    const bool bitmap = usesBitmapCapture() && fitsBitmapCapture(scaledWidth, scaledHeight, visibleBounds);
+    return bitmap ? captureBitmap(scaledWidth, scaledHeight) : capturePreview();
 }
 
-foundation::IAsyncAction UwpWebView3D::captureBitmap() {
+foundation::IAsyncAction UwpWebView3D::captureBitmap(std::int32_t scaledWidth, std::int32_t scaledHeight) {
     const auto self = shared_from_this();
     const RenderTargetBitmap bitmap;
-    const auto pixels = co_await renderPage(bitmap, webView, getWidth(), getHeight());
+    const auto pixels = co_await renderPage(bitmap, webView, scaledWidth, scaledHeight);
     co_await publishFrame(
         std::make_shared<const PixelFrame>(bitmap.PixelWidth(), bitmap.PixelHeight(), pixels));
 }

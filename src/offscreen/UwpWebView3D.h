@@ -46,7 +46,7 @@ class UwpWebView3D : public UwpWebView {
     void startCaptureLoop();
     foundation::IAsyncAction captureLoop();
     foundation::IAsyncAction captureFrame();
-    foundation::IAsyncAction captureBitmap();
+    foundation::IAsyncAction captureBitmap(std::int32_t scaledWidth, std::int32_t scaledHeight);
     foundation::IAsyncAction capturePreview();
     foundation::IAsyncAction publishFrame(std::shared_ptr<const PixelFrame> frame);
     foundation::IAsyncAction untilFrameTaken();

@@ -75,10 +75,15 @@ foundation::IInspectable transform() {
 foundation::IInspectable renderTarget() {
     using M = Methods<IRenderTargetBitmap>;
     const auto picture = std::make_shared<Picture>();
+    if (const auto react = world()->beforeRendering) {
+        react();
+    }
     return make<IRenderTargetBitmap>(L"Windows.UI.Xaml.Media.Imaging.RenderTargetBitmap", Object::Threads::ui)
         .on<&M::get_PixelWidth>([picture] { return picture->width; })
         .on<&M::get_PixelHeight>([picture] { return picture->height; })
         .on<&M::RenderToSizeAsync>([picture](void*, std::int32_t width, std::int32_t height) {
+            check(width <= windowBounds.Width && height <= windowBounds.Height,
+                  "what lies outside the window was to be rendered");
             return action([=] {
                 ++world()->renderings;
                 *picture = pictureOf(width, height);

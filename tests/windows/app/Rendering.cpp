@@ -35,8 +35,10 @@ void sizes(Engine& engine) {
     }
     check(session.shows(100, 50), "after many sizes");
     const int previews = world()->previews;
-    engine.plugin().WebView_resize(session.view(), 1001, 9);
+    // Just when a picture of the size before is about to be rendered.
+    world()->beforeRendering = [&] { engine.plugin().WebView_resize(session.view(), 1001, 9); };
     check(session.shows(1001, 9) && world()->previews > previews, "larger than the window");
+    world()->beforeRendering = nullptr;
     // No multiple of what a display of this kind can render.
     world()->rawPixelsPerViewPixel = 1.5;
     engine.plugin().WebView_resize(session.view(), 31, 22);

@@ -95,7 +95,7 @@ ApplicationView applicationView() {
     using I = IApplicationView2;
     return make<IApplicationView>(L"Windows.UI.ViewManagement.ApplicationView", onUI)
         .as<I>()
-        .constant<&Methods<I>::get_VisibleBounds>(foundation::Rect{0, 0, 1000, 800});
+        .constant<&Methods<I>::get_VisibleBounds>(windowBounds);
 }
 
 }  // namespace

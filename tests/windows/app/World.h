@@ -92,6 +92,8 @@ struct World {
     /// How many pictures were taken, either way.
     int renderings = 0;
     int previews = 0;
+    /// Called on the UI thread when a picture is about to be rendered.
+    std::function<void()> beforeRendering;
     /// How many controls there are.
     int controls = 0;
     bool panelIsNested = false;
@@ -139,6 +141,9 @@ inline foundation::IAsyncAction action(std::function<void()> work) {
     co_await EndOfOperation();
     work();
 }
+
+/// What the app shows of itself, in view pixels.
+constexpr foundation::Rect windowBounds{0, 0, 1000, 800};
 
 /// The panel in the app's window.
 xaml::DependencyObject appPanel();
