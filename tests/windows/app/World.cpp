@@ -49,9 +49,11 @@ void UIThread::loop() {
         } else if (const auto due = work.begin()->first; due > Clock::now()) {
             changed.wait_until(lock, due);
         } else {
-            const auto next = work.extract(work.begin());
+            auto next = work.extract(work.begin());
             lock.unlock();
             next.mapped()();
+            // What it keeps may need the world when it goes, and who has the world may post.
+            next = {};
             lock.lock();
         }
     }
