@@ -1,8 +1,13 @@
 // Pages whose process dies, or does nothing but run: the engine hears of it, calls are answered, and views go
 // on.
 
+#include <sys/resource.h>
+
+#include <algorithm>
 #include <csignal>
 #include <fstream>
+#include <list>
+#include <thread>
 
 #include "support/EngineTest.h"
 #include "support/Processes.h"
@@ -113,6 +118,31 @@ TEST_F(RecoveryTest, TheKernelEndsPagesBeforeTheEngineWhenMemoryRunsOut) {
     const auto pages = newPageProcesses();
     ASSERT_EQ(pages.size(), 1U);
     EXPECT_GT(inclination(pages.front()), inclination(getpid()) + 300);
+}
+
+TEST_F(RecoveryTest, PagesYieldWhileTheyCouldTakeAllProcessors) {
+    const auto haveNiceness = [this](int expected) {
+        return std::ranges::all_of(newPageProcesses(), [expected](pid_t process) {
+            return getpriority(PRIO_PROCESS, static_cast<id_t>(process)) == expected;
+        });
+    };
+    const auto processors = std::thread::hardware_concurrency();
+    const int own = getpriority(PRIO_PROCESS, 0);
+    loadHtml(view, "<title>first</title>");
+    {
+        std::list<View> others;
+        while (others.size() + 1 < processors) {
+            loadHtml(others.emplace_back(engine, zarvik::host::Size{64, 48}), "<title>other</title>");
+        }
+        EXPECT_EQ(newPageProcesses().size(), others.size() + 1);
+        EXPECT_TRUE(waitUntil([&] { return haveNiceness(own + 5); }));
+    }
+    // One alone does not, where there are more processors.
+    ASSERT_TRUE(waitUntil([this] { return newPageProcesses().size() == 1; }));
+    const auto from = recorder().position();
+    killPage();
+    ASSERT_TRUE(waitForFinish(from));
+    EXPECT_TRUE(haveNiceness(processors > 1 ? own : own + 5));
 }
 
 TEST_F(RecoveryTest, APageInAnEndlessLoopHoldsNobodyUp) {

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -16,12 +17,16 @@
 namespace {
 
 std::atomic<int> engine = -1;
+std::atomic<int> calm = -1;
+
+/// Wakes the watching thread when these have come.
+int const news = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
 
 /// Several pages that do nothing but draw would take the processors from the thread that takes their pictures
 /// over, and draw more that nobody sees. Threads that exchange messages run already and stay as they are.
 void yield_processors() {
     constexpr int niceness = 5;
-    setpriority(PRIO_PROCESS, 0, niceness);
+    setpriority(PRIO_PROCESS, static_cast<id_t>(getpid()), niceness);
 }
 
 void go_first_when_memory_runs_out() {
@@ -53,32 +58,49 @@ int64_t memory_in_use(int statistics) {
 }
 
 /// In a thread of its own, since a script can keep the page's thread busy for ever.
-void watch_memory_and_engine() {
+void watch() {
     int const statistics = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
     std::thread([statistics, limit = memory_limit()] {
         constexpr int64_t fastest_growth = 2'000'000;  // bytes per millisecond
+        bool yielding = false;
         while (true) {
             int64_t const left = limit - memory_in_use(statistics);
             auto const pause = std::clamp<int64_t>(left / fastest_growth, 50, 2000);
-            pollfd ended{engine, POLLIN, 0};
-            if (left < 0 || poll(&ended, 1, static_cast<int>(pause)) > 0) {
+            auto const watched_calm = yielding ? -1 : calm.load();
+            std::array<pollfd, 3> events{{{engine, POLLIN, 0}, {watched_calm, POLLIN, 0}, {news, POLLIN, 0}}};
+            poll(events.data(), events.size(), static_cast<int>(pause));
+            if (left < 0 || events[0].revents != 0) {
                 _exit(EXIT_FAILURE);
             }
+            if (events[1].revents != 0) {
+                yield_processors();
+                yielding = true;
+            }
+            eventfd_t count = 0;
+            eventfd_read(news, &count);
         }
     }).detach();
+}
+
+void keep_first(std::atomic<int>& first, int descriptor) {
+    int none = -1;
+    if (!first.compare_exchange_strong(none, descriptor)) {
+        close(descriptor);
+    }
+    eventfd_write(news, 1);
 }
 
 }  // namespace
 
 void take_fair_share() {
     go_first_when_memory_runs_out();
-    watch_memory_and_engine();
-    yield_processors();
+    watch();
 }
 
 void end_with_engine(int process) {
-    int none = -1;
-    if (!engine.compare_exchange_strong(none, process)) {
-        close(process);
-    }
+    keep_first(engine, process);
+}
+
+void yield_in_crowds(int other_end) {
+    keep_first(calm, other_end);
 }

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "glib_ptr.h"
+#include "page_crowd.h"
 #include "page_world.h"
 #include "ui_thread.h"
 
@@ -329,16 +330,19 @@ void script_calls::change_page(bool has_page, winrt::hresult code, wchar_t const
 }
 
 void script_calls::open_answers() {
+    int calm = -1;
     try {
         answers.emplace();
+        calm = page_crowd::calm();
     } catch (winrt::hresult_error const& failure) {
         g_critical("%s", winrt::to_string(failure.message()).c_str());
-        return;
+        return answers.reset();
     }
     auto const files = gobject_ptr<GUnixFDList>::adopt(g_unix_fd_list_new());
     static auto const this_process = static_cast<int>(syscall(SYS_pidfd_open, getpid(), 0));
     glib_error failure;
-    if (g_unix_fd_list_append(files.get(), answers->file(), failure.put()) < 0) {
+    if (g_unix_fd_list_append(files.get(), answers->file(), failure.put()) < 0 ||
+        g_unix_fd_list_append(files.get(), calm, failure.put()) < 0) {
         g_critical("%s", failure.message());
         return answers.reset();
     }
