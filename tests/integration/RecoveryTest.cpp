@@ -121,13 +121,13 @@ TEST_F(RecoveryTest, TheKernelEndsPagesBeforeTheEngineWhenMemoryRunsOut) {
 }
 
 TEST_F(RecoveryTest, PagesYieldWhileTheyCouldTakeAllProcessors) {
-    const auto haveNiceness = [this](int expected) {
-        return std::ranges::all_of(newPageProcesses(), [expected](pid_t process) {
-            return getpriority(PRIO_PROCESS, static_cast<id_t>(process)) == expected;
-        });
+    const auto niceness = [](int thread) { return getpriority(PRIO_PROCESS, static_cast<id_t>(thread)); };
+    const auto haveNiceness = [&](int expected) {
+        return std::ranges::all_of(newPageProcesses(),
+                                   [&](pid_t process) { return niceness(process) == expected; });
     };
     const auto processors = std::thread::hardware_concurrency();
-    const int own = getpriority(PRIO_PROCESS, 0);
+    const int own = niceness(0);
     loadHtml(view, "<title>first</title>");
     {
         std::list<View> others;
@@ -137,12 +137,20 @@ TEST_F(RecoveryTest, PagesYieldWhileTheyCouldTakeAllProcessors) {
         EXPECT_EQ(newPageProcesses().size(), others.size() + 1);
         EXPECT_TRUE(waitUntil([&] { return haveNiceness(own + 5); }));
     }
-    // One alone does not, where there are more processors.
+    // One alone does not, where there are more processors, but its workers do.
     ASSERT_TRUE(waitUntil([this] { return newPageProcesses().size() == 1; }));
     const auto from = recorder().position();
     killPage();
     ASSERT_TRUE(waitForFinish(from));
     EXPECT_TRUE(haveNiceness(processors > 1 ? own : own + 5));
+    view.evaluate("new Worker(URL.createObjectURL(new Blob(['for (;;);'])))");
+    const auto page = newPageProcesses().front();
+    EXPECT_TRUE(waitUntil([&] {
+        const std::filesystem::directory_iterator threads("/proc/" + std::to_string(page) + "/task");
+        return std::ranges::any_of(threads, [&](const auto& thread) {
+            return niceness(std::stoi(thread.path().filename())) == own + 5;
+        });
+    }));
 }
 
 TEST_F(RecoveryTest, APageInAnEndlessLoopHoldsNobodyUp) {

@@ -12,6 +12,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <set>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -22,11 +25,19 @@ std::atomic<int> calm = -1;
 /// Wakes the watching thread when these have come.
 int const news = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
 
-/// Several pages that do nothing but draw would take the processors from the thread that takes their pictures
-/// over, and draw more that nobody sees. Threads that exchange messages run already and stay as they are.
-void yield_processors() {
+/// Lets a thread yield, and those that it starts later.
+void yield_processors(pid_t thread) {
     constexpr int niceness = 5;
-    setpriority(PRIO_PROCESS, static_cast<id_t>(getpid()), niceness);
+    setpriority(PRIO_PROCESS, static_cast<id_t>(thread), niceness);
+}
+
+std::set<pid_t> all_threads() {
+    std::set<pid_t> threads;
+    std::error_code none;
+    for (auto const& entry : std::filesystem::directory_iterator("/proc/self/task", none)) {
+        threads.insert(atoi(entry.path().filename().c_str()));
+    }
+    return threads;
 }
 
 void go_first_when_memory_runs_out() {
@@ -60,7 +71,9 @@ int64_t memory_in_use(int statistics) {
 /// In a thread of its own, since a script can keep the page's thread busy for ever.
 void watch() {
     int const statistics = open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
-    std::thread([statistics, limit = memory_limit()] {
+    // Those that exchange messages run already.
+    std::thread([statistics, limit = memory_limit(), trusted = all_threads()]() mutable {
+        trusted.insert(gettid());
         constexpr int64_t fastest_growth = 2'000'000;  // bytes per millisecond
         bool yielding = false;
         while (true) {
@@ -73,8 +86,13 @@ void watch() {
                 _exit(EXIT_FAILURE);
             }
             if (events[1].revents != 0) {
-                yield_processors();
+                yield_processors(getpid());
                 yielding = true;
+            }
+            for (auto const thread : all_threads()) {
+                if (!trusted.contains(thread)) {
+                    yield_processors(thread);
+                }
             }
             eventfd_t count = 0;
             eventfd_read(news, &count);

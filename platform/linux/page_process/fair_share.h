@@ -1,7 +1,8 @@
 #pragma once
 
-/// Keeps a page from taking the machine's memory from the engine. Called once, on the page's thread, when its
-/// process starts:
+/// Keeps a page from taking the machine from the engine. Called once, on the page's thread, when its process
+/// starts:
+/// - threads that start later, such as workers, yield to the engine's,
 /// - the process ends when it has more memory than half of the machine's, or than the megabytes that
 ///   WEBVIEW_MEMORY_LIMIT says, also while a script runs,
 /// - the kernel ends it rather than the engine if memory runs out.
