@@ -141,7 +141,7 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     template <typename Arguments>
     auto whileAlive(void (UwpWebView::*handler)(const Arguments&));
 
-    /// Whether a page has had its agent started.
+    /// Whether a page has had its agent started, or is just about to.
     std::atomic<bool> agentRunning{false};
     std::atomic<bool> consoleMessageEventsEnabled{false};
     std::atomic<bool> defaultBackgroundEnabled{true};

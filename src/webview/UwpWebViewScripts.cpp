@@ -94,12 +94,13 @@ void UwpWebView::addPageBridge() {
 }
 
 void UwpWebView::injectPageScripts() {
+    // Before the options are read: whoever changes one too late for that sees it, and sends a script.
+    agentRunning = true;
     runScript(std::string(page_scripts::evaluationHelper), "");
     runScript(page_scripts::agentStart(consoleMessageEventsEnabled, focusedInputFieldEventsEnabled,
                                        DisplayInformation::GetForCurrentView().RawPixelsPerViewPixel()),
               "");
     runScript(std::string(page_scripts::frameWatcher), "");
-    agentRunning = true;
 }
 
 void UwpWebView::onPageMessage(const std::string& message) {
