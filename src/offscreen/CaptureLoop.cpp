@@ -65,14 +65,11 @@ foundation::IAsyncAction UwpWebView3D::captureLoop() {
 }
 
 foundation::IAsyncAction UwpWebView3D::captureFrame() {
-    // The engine may resize the view meanwhile: what was judged to fit is what is rendered.
-    const std::int32_t scaledWidth = getWidth();
-    const std::int32_t scaledHeight = getHeight();
     const bool bitmap = usesBitmapCapture() && fitsBitmapCapture(scaledWidth, scaledHeight, visibleBounds);
-    return bitmap ? captureBitmap(scaledWidth, scaledHeight) : capturePreview();
+    return bitmap ? captureBitmap() : capturePreview();
 }
 
-foundation::IAsyncAction UwpWebView3D::captureBitmap(std::int32_t scaledWidth, std::int32_t scaledHeight) {
+foundation::IAsyncAction UwpWebView3D::captureBitmap() {
     const auto self = shared_from_this();
     const RenderTargetBitmap bitmap;
     const auto pixels = co_await renderPage(bitmap, webView, scaledWidth, scaledHeight);
