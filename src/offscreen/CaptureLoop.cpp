@@ -102,8 +102,10 @@ foundation::IAsyncAction UwpWebView3D::publishFrame(std::shared_ptr<const PixelF
     if (destroyed || (!publishUnchanged.exchange(false) && unchanged)) {
         co_return;
     }
+    const auto earlier = publishedFrame;
     co_await untilFrameTaken();
-    if (destroyed) {
+    // A second loop does not wait; a picture of its own is the newer one.
+    if (destroyed || publishedFrame != earlier) {
         co_return;
     }
     publishedFrame = frame;
