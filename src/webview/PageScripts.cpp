@@ -1,5 +1,9 @@
 #include "webview/PageScripts.h"
 
+#include <array>
+#include <charconv>
+#include <limits>
+
 #include "agent/AgentScript.h"
 
 namespace page_scripts {
@@ -28,6 +32,14 @@ std::string text(bool value) {
 
 std::string text(std::int32_t value) {
     return std::to_string(value);
+}
+
+/// With six digits after the point, which is one in every locale.
+std::string text(double value) {
+    constexpr int digits = 6;
+    std::array<char, std::numeric_limits<double>::max_exponent10 + digits + 4> buffer{};
+    const auto end = std::to_chars(buffer.begin(), buffer.end(), value, std::chars_format::fixed, digits).ptr;
+    return {buffer.data(), end};
 }
 
 /// "first, second" with whatever stands between the arguments.
@@ -88,7 +100,7 @@ std::string agentStart(bool consoleMessageEvents, bool focusedInputFieldEvents, 
     return std::string(agentScript) +
            ";window.__initZarvik({ enableConsoleMessageEvents: " + text(consoleMessageEvents) +
            ", enableFocusedInputFieldEvents: " + text(focusedInputFieldEvents) +
-           ", expectedDevicePixelRatio: " + std::to_string(devicePixelRatio) + " });";
+           ", expectedDevicePixelRatio: " + text(devicePixelRatio) + " });";
 }
 
 std::string setConsoleMessageEventsEnabled(bool enabled) {
