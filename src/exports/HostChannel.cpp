@@ -51,9 +51,9 @@ bool sendHostMessage(const std::string& messageTargetName, const std::string& me
 
 void sendDataResult(const std::string& messageTargetName, const std::string& resultCallbackId,
                     std::span<const std::uint8_t> bytes) {
-    if (dataResultCallback.isSet() &&
-        bytes.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
-        logError(log_texts::dataResultTooLarge);
+    if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+        logError(dataResultCallback.isSet() ? log_texts::dataResultTooLarge
+                                            : log_texts::noDataResultCallback);
     } else if (!dataResultCallback.call(messageTargetName.c_str(), resultCallbackId.c_str(), bytes.data(),
                                         static_cast<std::int32_t>(bytes.size()))) {
         logError(log_texts::noDataResultCallback);

@@ -1,6 +1,8 @@
 #include "exports/UserAgent.h"
 
 #include <array>
+#include <atomic>
+#include <memory>
 
 #include "exports/HostChannel.h"
 #include "exports/LogTexts.h"
@@ -32,10 +34,19 @@ DefaultUserAgent readDefaultUserAgent() {
     return {buffer.data(), result};
 }
 
-/// The platform's own user agent, read once before the first change.
+/// The platform's own user agent, read before the first change. Nobody waits for another's reading: it may
+/// need the UI thread, on which an engine's callback may just ask for the same.
 const DefaultUserAgent& defaultUserAgent() {
-    static const auto& saved = *new DefaultUserAgent(readDefaultUserAgent());
-    return saved;
+    static constinit std::atomic<const DefaultUserAgent*> saved = nullptr;
+    if (!saved) {
+        auto read = std::make_unique<const DefaultUserAgent>(readDefaultUserAgent());
+        const DefaultUserAgent* none = nullptr;
+        // What is read beside somebody's first change comes too late to be kept.
+        if (saved.compare_exchange_strong(none, read.get())) {
+            return *read.release();
+        }
+    }
+    return *saved;
 }
 
 void apply(std::string userAgent) {

@@ -59,6 +59,8 @@ foundation::IAsyncOperation<streams::IInputStream> FileUriToStreamResolver::UriT
 }
 
 winrt::Windows::Web::IUriToStreamResolver sharedResolver() {
-    static const winrt::Windows::Web::IUriToStreamResolver resolver = winrt::make<FileUriToStreamResolver>();
+    // Never destroyed: when the process ends, the UI thread goes on for a moment.
+    static const auto& resolver =
+        *new winrt::Windows::Web::IUriToStreamResolver(winrt::make<FileUriToStreamResolver>());
     return resolver;
 }

@@ -65,14 +65,11 @@ foundation::IAsyncAction UwpWebView3D::captureLoop() {
 }
 
 foundation::IAsyncAction UwpWebView3D::captureFrame() {
-    // The engine may resize the view meanwhile: what was judged to fit is what is rendered.
-    const std::int32_t scaledWidth = getWidth();
-    const std::int32_t scaledHeight = getHeight();
     const bool bitmap = usesBitmapCapture() && fitsBitmapCapture(scaledWidth, scaledHeight, visibleBounds);
-    return bitmap ? captureBitmap(scaledWidth, scaledHeight) : capturePreview();
+    return bitmap ? captureBitmap() : capturePreview();
 }
 
-foundation::IAsyncAction UwpWebView3D::captureBitmap(std::int32_t scaledWidth, std::int32_t scaledHeight) {
+foundation::IAsyncAction UwpWebView3D::captureBitmap() {
     const auto self = shared_from_this();
     const RenderTargetBitmap bitmap;
     const auto pixels = co_await renderPage(bitmap, webView, scaledWidth, scaledHeight);
@@ -105,8 +102,10 @@ foundation::IAsyncAction UwpWebView3D::publishFrame(std::shared_ptr<const PixelF
     if (destroyed || (!publishUnchanged.exchange(false) && unchanged)) {
         co_return;
     }
+    const auto earlier = publishedFrame;
     co_await untilFrameTaken();
-    if (destroyed) {
+    // A second loop does not wait; a picture of its own is the newer one.
+    if (destroyed || publishedFrame != earlier) {
         co_return;
     }
     publishedFrame = frame;

@@ -14,6 +14,10 @@ constexpr std::int32_t offscreenX = 10000;
 constexpr float zoomStep = 0.1F;
 constexpr float lowestZoomFactor = 0.1F;
 
+std::int32_t zoomed(std::int32_t value, float zoomFactor) {
+    return truncate(zoomFactor * static_cast<float>(value));
+}
+
 }  // namespace
 
 UwpWebView3D::UwpWebView3D(std::string messageTargetName, std::int32_t width, std::int32_t height,
@@ -32,9 +36,11 @@ void UwpWebView3D::start() {
 }
 
 void UwpWebView3D::resize(std::int32_t newWidth, std::int32_t newHeight) {
-    width = newWidth;
-    height = newHeight;
-    postApplySize();
+    postControlStep(*this, "resize", [newWidth, newHeight](UwpWebView3D& view) {
+        view.width = newWidth;
+        view.height = newHeight;
+        view.applySize();
+    });
 }
 
 // The control stays off the screen.
@@ -55,25 +61,30 @@ void UwpWebView3D::setRenderingEnabled(bool enabled) {
 }
 
 void UwpWebView3D::zoomIn() {
-    zoomFactor = std::max(zoomFactor - zoomStep, lowestZoomFactor);
-    postApplySize();
+    zoomBy(-zoomStep);
 }
 
 void UwpWebView3D::zoomOut() {
-    zoomFactor = zoomFactor + zoomStep;
+    zoomBy(zoomStep);
+}
+
+void UwpWebView3D::zoomBy(float step) {
+    float current = zoomFactor;
+    while (!zoomFactor.compare_exchange_weak(current, std::max(current + step, lowestZoomFactor))) {
+    }
     postApplySize();
 }
 
 std::int32_t UwpWebView3D::scale(std::int32_t value) const {
-    return truncate(zoomFactor * static_cast<float>(value));
+    return zoomed(value, zoomFactor);
 }
 
 std::int32_t UwpWebView3D::getHeight() const {
-    return scale(height);
+    return scaledHeight;
 }
 
 std::int32_t UwpWebView3D::getWidth() const {
-    return scale(width);
+    return scaledWidth;
 }
 
 void UwpWebView3D::domContentLoadedStep() {
@@ -101,8 +112,9 @@ void UwpWebView3D::postApplySize() {
 }
 
 void UwpWebView3D::applySize() {
-    const std::int32_t scaledWidth = getWidth();
-    const std::int32_t scaledHeight = getHeight();
+    const float factor = zoomFactor;
+    scaledWidth = zoomed(width, factor);
+    scaledHeight = zoomed(height, factor);
     webView.Width(scaledWidth);
     webView.Height(scaledHeight);
 

@@ -43,10 +43,11 @@ class UwpWebView3D : public UwpWebView {
     // UI thread.
     void applySize();
     void postApplySize();
+    void zoomBy(float step);
     void startCaptureLoop();
     foundation::IAsyncAction captureLoop();
     foundation::IAsyncAction captureFrame();
-    foundation::IAsyncAction captureBitmap(std::int32_t scaledWidth, std::int32_t scaledHeight);
+    foundation::IAsyncAction captureBitmap();
     foundation::IAsyncAction capturePreview();
     foundation::IAsyncAction publishFrame(std::shared_ptr<const PixelFrame> frame);
     foundation::IAsyncAction untilFrameTaken();
@@ -59,13 +60,16 @@ class UwpWebView3D : public UwpWebView {
     HRESULT upload(const PixelFrame& frame, ID3D11DeviceContext& context);
 
     const bool alwaysCapturePreview;
-    std::atomic<std::int32_t> width;
-    std::atomic<std::int32_t> height;
     /// Scales the logical viewport, so that zooming in lowers it.
     std::atomic<float> zoomFactor{1.0F};
     std::atomic<bool> renderingEnabled{true};
 
     // UI thread.
+    /// The size that the engine wants, and the page's, which is that one zoomed.
+    std::int32_t width;
+    std::int32_t height;
+    std::int32_t scaledWidth = 0;
+    std::int32_t scaledHeight = 0;
     std::int32_t captureLoopsRunning = 0;
     /// Happens when the last capture loop has ended because the view is being destroyed.
     CompletionEvent loopStopped;

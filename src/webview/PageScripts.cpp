@@ -1,5 +1,9 @@
 #include "webview/PageScripts.h"
 
+#include <array>
+#include <charconv>
+#include <limits>
+
 #include "agent/AgentScript.h"
 
 namespace page_scripts {
@@ -28,6 +32,14 @@ std::string text(bool value) {
 
 std::string text(std::int32_t value) {
     return std::to_string(value);
+}
+
+/// With six digits after the point, which is one in every locale.
+std::string text(double value) {
+    constexpr int digits = 6;
+    std::array<char, std::numeric_limits<double>::max_exponent10 + digits + 4> buffer{};
+    const auto end = std::to_chars(buffer.begin(), buffer.end(), value, std::chars_format::fixed, digits).ptr;
+    return {buffer.data(), end};
 }
 
 /// "first, second" with whatever stands between the arguments.
@@ -76,10 +88,11 @@ setInterval(() => {
 )";
 
 const std::string& frameAgentStarter() {
-    static const std::string script =
+    // Never destroyed: when the process ends, the UI thread goes on for a moment.
+    static const auto& script = *new std::string(
         "document.querySelectorAll('iframe[data-zarvik-target]').forEach(iframe => { "
         "iframe.removeAttribute('data-zarvik-target');iframe.contentWindow.eval('" +
-        quotedAgent() + ";window.__initZarvik();');});";
+        quotedAgent() + ";window.__initZarvik();');});");
     return script;
 }
 
@@ -87,7 +100,7 @@ std::string agentStart(bool consoleMessageEvents, bool focusedInputFieldEvents, 
     return std::string(agentScript) +
            ";window.__initZarvik({ enableConsoleMessageEvents: " + text(consoleMessageEvents) +
            ", enableFocusedInputFieldEvents: " + text(focusedInputFieldEvents) +
-           ", expectedDevicePixelRatio: " + std::to_string(devicePixelRatio) + " });";
+           ", expectedDevicePixelRatio: " + text(devicePixelRatio) + " });";
 }
 
 std::string setConsoleMessageEventsEnabled(bool enabled) {

@@ -124,6 +124,8 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     /// Puts the object into the page about to load through which it sends messages.
     void addPageBridge();
     void injectPageScripts();
+    /// Starts the agent in the frames that ask for it.
+    static foundation::IAsyncAction startFrameAgents(std::shared_ptr<UwpWebView> view);
     void onPageMessage(const std::string& message);
     void applyBackground(bool transparent);
     void runScript(const std::string& script, const std::string& resultCallbackId);
@@ -141,12 +143,19 @@ class UwpWebView : public std::enable_shared_from_this<UwpWebView> {
     template <typename Arguments>
     auto whileAlive(void (UwpWebView::*handler)(const Arguments&));
 
-    /// Whether a page has had its agent started.
+    /// Whether a page has had its agent started, or is just about to.
     std::atomic<bool> agentRunning{false};
     std::atomic<bool> consoleMessageEventsEnabled{false};
     std::atomic<bool> defaultBackgroundEnabled{true};
     std::atomic<bool> focusedInputFieldEventsEnabled{false};
     const std::shared_ptr<PdfLoader> pdfLoader;
+    /// What frames of a page ask for. UI thread.
+    struct FrameAgents {
+        bool wanted = false;
+        bool starting = false;
+    };
+    /// Of the page that is shown: what an earlier one still asks for does not hold it up.
+    std::shared_ptr<FrameAgents> frameAgents = std::make_shared<FrameAgents>();
     /// When the page was last loaded again because its process had ended. UI thread.
     std::optional<std::chrono::steady_clock::time_point> recovery;
     const std::string messageTargetName;

@@ -94,19 +94,37 @@ void UwpWebView::addPageBridge() {
 }
 
 void UwpWebView::injectPageScripts() {
+    frameAgents = std::make_shared<FrameAgents>();
+    // Before the options are read: whoever changes one too late for that sees it, and sends a script.
+    agentRunning = true;
     runScript(std::string(page_scripts::evaluationHelper), "");
     runScript(page_scripts::agentStart(consoleMessageEventsEnabled, focusedInputFieldEventsEnabled,
                                        DisplayInformation::GetForCurrentView().RawPixelsPerViewPixel()),
               "");
     runScript(std::string(page_scripts::frameWatcher), "");
-    agentRunning = true;
+}
+
+/// The starter is long and what asks for it is short, so there is only one under way: a page that asks as
+/// fast as it can would have thousands wait for it, in the memory of the engine. One that starts later serves
+/// all who asked before.
+foundation::IAsyncAction UwpWebView::startFrameAgents(std::shared_ptr<UwpWebView> view) {
+    const auto frames = view->frameAgents;
+    frames->wanted = true;
+    if (std::exchange(frames->starting, true)) {
+        co_return;
+    }
+    while (frames->wanted && frames == view->frameAgents && !view->destroyed) {
+        frames->wanted = false;
+        co_await invokeScript(view, winrt::to_hstring(page_scripts::frameAgentStarter()), {});
+    }
+    frames->starting = false;
 }
 
 void UwpWebView::onPageMessage(const std::string& message) {
     if (message.find(transparencyMessage) != std::string::npos) {
         applyBackground(!defaultBackgroundEnabled || message.find("true") != std::string::npos);
     } else if (message == framesNeedAgentMessage) {
-        runScript(page_scripts::frameAgentStarter(), "");
+        launch("starting the agent in frames", startFrameAgents(shared_from_this()));
     } else {
         sendMessage(messages::messageEmitted, message);
     }

@@ -1,5 +1,9 @@
 // Cookies, stored data and the user agent through the exports.
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <future>
 #include <nlohmann/json.hpp>
 #include <thread>
 
@@ -9,6 +13,10 @@ namespace {
 
 using namespace std::chrono_literals;
 using nlohmann::json;
+using zarvik::host::Engine;
+using zarvik::host::LoadResult;
+using zarvik::host::Record;
+using zarvik::host::View;
 
 class CookiesTest : public EngineTest {
   protected:
@@ -29,6 +37,33 @@ class CookiesTest : public EngineTest {
 
 json session(const std::string& name, const std::string& value) {
     return {{"Name", name}, {"Value", value}, {"Domain", "127.0.0.1"}, {"Path", "/"}};
+}
+
+/// In a process that has not changed the user agent yet: two threads do, of which one is the UI thread.
+void changeTheUserAgentTwiceAtOnce() {
+    alarm(60);
+    Engine engine({});
+    View view(engine, {64, 48});
+    view.loadHtml("<p>page");
+    const bool isLoaded = view.waitForLoad().outcome == LoadResult::Outcome::finished;
+    std::promise<void> busy;
+    engine.recorder().setObserver([&](const Record& record) {
+        if (record.payload == "change") {
+            busy.set_value();
+            std::this_thread::sleep_for(300ms);
+            engine.plugin().WebView_globallySetUserAgent("Callback/1");
+        }
+    });
+    const auto from = engine.recorder().position();
+    engine.plugin().WebView_executeJavaScript(view.handle(), "zarvik.postMessage('change')", nullptr);
+    busy.get_future().wait();
+    engine.plugin().WebView_globallySetUserAgent("Engine/1");
+    engine.recorder().waitFor([](const Record& record) { return record.payload == "change"; }, from);
+    engine.plugin().WebView_globallySetUserAgentToMobile(0);
+    const auto records = engine.recorder().since(from);
+    const bool isRestored = std::ranges::none_of(
+        records, [](const Record& record) { return record.kind == Record::Kind::error; });
+    _exit(isLoaded && isRestored ? 0 : 1);
 }
 
 }  // namespace
@@ -160,4 +195,9 @@ TEST_F(CookiesTest, StorageCanBeSwitchedOffForNewViews) {
     View with(engine, {10, 10});
     load(with, server.url("/storage"));
     EXPECT_TRUE(server.waitForRequest("/with"));
+}
+
+TEST(UserAgentTest, TheFirstChangeMayComeFromTwoThreadsAtOnce) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(changeTheUserAgentTwiceAtOnce(), testing::ExitedWithCode(0), "");
 }

@@ -157,6 +157,21 @@ TEST_F(PageMessagesTest, FramesOfTheSameOriginAreGivenTheAgent) {
     for (const auto& message : pageMessagesSince(0)) {
         EXPECT_EQ(message.find("iframesNeedBrowserAgent"), std::string::npos);
     }
+
+    // A frame that asks while the agent is being started in another one is not forgotten.
+    evaluate(R"(const add = (id) => {
+                    const frame = document.createElement('iframe');
+                    frame.id = id;
+                    frame.dataset.zarvikManaged = frame.dataset.zarvikTarget = true;
+                    document.body.append(frame);
+                    zarvik.postMessage('zarvik.webview.uwp.iframesNeedBrowserAgent');
+                };
+                add('first');
+                Object.defineProperty(first.contentWindow, '__initZarvik', {
+                    get: () => () => {},
+                    set: () => add('second')
+                }))");
+    EXPECT_TRUE(waitForResult(view, "typeof window.second?.contentWindow.__initZarvik", "function"));
 }
 
 TEST_F(PageMessagesTest, ThePageIsWhiteUnlessItIsMeantToBeTransparent) {

@@ -72,6 +72,23 @@ TEST_F(ScreenshotTest, RequestsAtOnceAreAnsweredEachWithItsId) {
     }
 }
 
+TEST_F(ScreenshotTest, ARequestHasTheSizeOfItsTime) {
+    View view(engine, {50, 40});
+    loadHtml(view, patternPage);
+    for (int i = 0; i < 20; ++i) {
+        const auto id = std::to_string(i);
+        plugin().WebView_getRawTextureData(view.handle(), ("before" + id).c_str());
+        plugin().WebView_resize(view.handle(), 40 + i, 31);
+        plugin().WebView_getRawTextureData(view.handle(), ("after" + id).c_str());
+        plugin().WebView_resize(view.handle(), 50, 40);
+        const auto before = answer("before" + id);
+        const auto after = answer("after" + id);
+        ASSERT_TRUE(before && after) << i;
+        EXPECT_EQ(before->bytes.size(), 50U * 40 * 4);
+        EXPECT_EQ(after->bytes.size(), (40U + static_cast<unsigned>(i)) * 31 * 4);
+    }
+}
+
 TEST_F(ScreenshotTest, AViewWithoutASizeSaysSo) {
     View view(engine, {0, 0});
     const auto from = recorder().position();
