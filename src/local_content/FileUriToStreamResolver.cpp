@@ -59,6 +59,8 @@ foundation::IAsyncOperation<streams::IInputStream> FileUriToStreamResolver::UriT
 }
 
 winrt::Windows::Web::IUriToStreamResolver sharedResolver() {
-    static const winrt::Windows::Web::IUriToStreamResolver resolver = winrt::make<FileUriToStreamResolver>();
+    // Never destroyed: the UI thread still works while the process ends.
+    static const auto& resolver =
+        *new winrt::Windows::Web::IUriToStreamResolver(winrt::make<FileUriToStreamResolver>());
     return resolver;
 }

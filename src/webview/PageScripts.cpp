@@ -76,10 +76,11 @@ setInterval(() => {
 )";
 
 const std::string& frameAgentStarter() {
-    static const std::string script =
+    // Never destroyed: the UI thread still works while the process ends.
+    static const auto& script = *new std::string(
         "document.querySelectorAll('iframe[data-zarvik-target]').forEach(iframe => { "
         "iframe.removeAttribute('data-zarvik-target');iframe.contentWindow.eval('" +
-        quotedAgent() + ";window.__initZarvik();');});";
+        quotedAgent() + ";window.__initZarvik();');});");
     return script;
 }
 
