@@ -1,6 +1,8 @@
 #include "exports/UserAgent.h"
 
 #include <array>
+#include <atomic>
+#include <memory>
 
 #include "exports/HostChannel.h"
 #include "exports/LogTexts.h"
@@ -34,8 +36,14 @@ DefaultUserAgent readDefaultUserAgent() {
 
 /// The platform's own user agent, read once before the first change.
 const DefaultUserAgent& defaultUserAgent() {
-    static const auto& saved = *new DefaultUserAgent(readDefaultUserAgent());
-    return saved;
+    // Without a lock: the platform may need the UI thread for it, which may be asking at the same moment.
+    static std::atomic<const DefaultUserAgent*> saved = nullptr;
+    if (const auto* const known = saved.load()) {
+        return *known;
+    }
+    auto read = std::make_unique<const DefaultUserAgent>(readDefaultUserAgent());
+    const DefaultUserAgent* first = nullptr;
+    return saved.compare_exchange_strong(first, read.get()) ? *read.release() : *first;
 }
 
 void apply(std::string userAgent) {
