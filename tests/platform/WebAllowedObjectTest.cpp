@@ -5,6 +5,8 @@
 
 #include "PageTest.h"
 #include "codeOf.h"
+#include "page_world.h"
+#include "web_view.h"
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
@@ -186,6 +188,24 @@ TEST_F(WebAllowedObjectTest, DeliversAllMessagesOfHostilePages) {
     load(view, server.url("/deep"));
     EXPECT_TRUE(comesTrue([&] { return !messages->empty() && messages->back().starts_with("2:end"); }));
     EXPECT_EQ(onUIThread([&] { return messages->back(); }), "2:end");
+}
+
+// Our scripts send texts only; a page's process that was taken over is not bound to.
+TEST_F(WebAllowedObjectTest, SurvivesMessagesThatAreNoTexts) {
+    auto const view = makeView();
+    auto const messages = addBridges(view);
+    loadText(view, L"page");
+    onUIThread([&] {
+        for (auto const* const handler : {"navigation", "object", "delivered"}) {
+            auto const script =
+                "webkit.messageHandlers."s + handler + ".postMessage({toString: 1, valueOf: 1}); 0";
+            webkit_web_view_evaluate_javascript(runtime::object_of<runtime::web_view_object>(view).view(),
+                                                script.c_str(), -1, runtime::page_world, nullptr, nullptr,
+                                                nullptr, nullptr);
+        }
+    });
+    eval(view, L"bridge.postMessage('text')");
+    EXPECT_EQ(received(view, messages, 1), (Texts{"1:text"}));
 }
 
 TEST_F(WebAllowedObjectTest, RefusesObjectsThatAreNotForPages) {

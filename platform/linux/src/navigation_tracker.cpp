@@ -186,7 +186,9 @@ void navigation_tracker::on_terminated(WebKitWebView*, WebKitWebProcessTerminati
 void navigation_tracker::on_message(WebKitUserContentManager*, WebKitJavascriptResult* message,
                                     gpointer data) {
     glib_text const text(jsc_value_to_string(webkit_javascript_result_get_js_value(message)));
-    static_cast<navigation_tracker*>(data)->handle_message(text.get());
+    if (text) {  // a page's process that was taken over may send what no text can be made of
+        static_cast<navigation_tracker*>(data)->handle_message(text.get());
+    }
 }
 
 void navigation_tracker::handle_message(std::string const& message) {

@@ -40,22 +40,31 @@ std::optional<script_answers::answer> script_answers::next(uint64_t last) {
         read();
         found = first_record(bytes);
     }
+    bool const is_too_long = !found && bytes.size() >= most_bytes;
+    if (is_too_long || (found && found->number <= previous)) {
+        give_up();
+        return std::nullopt;
+    }
     if (!found || found->number > last) {
         return std::nullopt;
     }
+    previous = found->number;
     taken += found->size();
     return answer{found->number, std::string(found->text)};
 }
 
-uint64_t script_answers::latest() {
+uint64_t script_answers::latest(uint64_t last) {
     read();
-    uint64_t number = 0;
+    auto number = previous;
     auto rest = std::string_view(bytes);
     while (auto const found = first_record(rest)) {
+        if (found->number <= number || found->number > last) {
+            break;
+        }
         number = found->number;
         rest.remove_prefix(found->size());
     }
-    return number;
+    return number == previous ? 0 : number;
 }
 
 /// Nothing when only a part of it was written yet.
@@ -75,19 +84,27 @@ std::optional<script_answers::record> script_answers::first_record(std::string_v
 void script_answers::read() {
     bytes.erase(0, std::exchange(taken, 0));
     std::array<char, 1 << 16> piece{};
-    ssize_t count = 0;
-    do {
-        count = pread(descriptor, piece.data(), piece.size(), static_cast<off_t>(end));
+    while (is_readable && bytes.size() < most_bytes) {
+        auto const count = pread(descriptor, piece.data(), piece.size(), static_cast<off_t>(end));
         auto const added = count > 0 ? static_cast<size_t>(count) : 0;
         bytes.append(piece.data(), added);
         end += added;
-    } while (count == static_cast<ssize_t>(piece.size()));
+        if (added < piece.size()) {
+            break;
+        }
+    }
 
     constexpr uint64_t much = 1 << 20;
     if (end - released >= much) {
         fallocate(descriptor, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(end));
         released = end;
     }
+}
+
+void script_answers::give_up() {
+    is_readable = false;
+    bytes = {};
+    taken = 0;
 }
 
 }  // namespace runtime

@@ -254,7 +254,7 @@ gboolean script_calls::on_tick(gpointer data) {
         self->ticking = 0;
         return G_SOURCE_REMOVE;
     }
-    auto const latest = self->answers ? self->answers->latest() : 0;
+    auto const latest = self->answers ? self->answers->latest(self->last_number) : 0;
     bool const has_run = std::ranges::find(self->running, latest) != self->running.end();
     self->overdue = has_run ? 0 : latest;
     return G_SOURCE_CONTINUE;

@@ -2,6 +2,7 @@
 
 #include <gtk/gtk.h>
 #include <pthread.h>
+#include <unistd.h>
 
 #include <condition_variable>
 #include <cstdlib>
@@ -106,14 +107,24 @@ void ui_thread::start() {
         [](ui_thread* thread) { thread->run_queue(); });
     g_source_attach(source, g_main_context_default());
     try {
-        start_own_thread();
+        if (g_main_context_is_owner(g_main_context_default())) {
+            initialise_gtk();
+            become_current();
+        } else {
+            start_own_thread();
+        }
     } catch (...) {
         g_source_destroy(source);
         g_source_unref(source);
         throw;
     }
     started.store(this);
-    std::atexit([] { started.load()->park_at_exit(); });
+    static auto const process = getpid();
+    std::atexit([] {
+        if (getpid() == process) {  // a process that was forked off has not got the thread
+            started.load()->park_at_exit();
+        }
+    });
 }
 
 void ui_thread::start_own_thread() {

@@ -32,6 +32,25 @@ Foundation::Uri uri_of(Foundation::IInspectable const& arguments) {
     return Foundation::Uri(to_hstring(object_of<runtime::uri_arguments>(arguments).uri));
 }
 
+/// Throws when there can be no web data, because there can be no web views.
+void clear_web_data(std::shared_ptr<impl::async_object<void>> const& operation) {
+    using pending = std::shared_ptr<impl::async_object<void>>;
+    webkit_website_data_manager_clear(
+        webkit_web_context_get_website_data_manager(runtime::web_context()), WEBKIT_WEBSITE_DATA_ALL, 0,
+        nullptr,
+        [](GObject* manager, GAsyncResult* result, gpointer data) {
+            std::unique_ptr<pending> const owner(static_cast<pending*>(data));
+            runtime::glib_error error;
+            if (webkit_website_data_manager_clear_finish(WEBKIT_WEBSITE_DATA_MANAGER(manager), result,
+                                                         error.put())) {
+                (*owner)->complete();
+            } else {
+                (*owner)->fail(std::make_exception_ptr(hresult_error(E_FAIL, to_hstring(error.message()))));
+            }
+        },
+        new pending(operation));
+}
+
 }  // namespace
 
 // Event arguments
@@ -233,22 +252,11 @@ Foundation::IAsyncAction WebView::CapturePreviewToStreamAsync(
 Foundation::IAsyncAction WebView::ClearTemporaryWebDataAsync() {
     auto operation = std::make_shared<impl::async_object<void>>();
     runtime::ui_thread::instance().post([operation] {
-        using pending = std::shared_ptr<impl::async_object<void>>;
-        webkit_website_data_manager_clear(
-            webkit_web_context_get_website_data_manager(runtime::web_context()), WEBKIT_WEBSITE_DATA_ALL, 0,
-            nullptr,
-            [](GObject* manager, GAsyncResult* result, gpointer data) {
-                std::unique_ptr<pending> const owner(static_cast<pending*>(data));
-                runtime::glib_error error;
-                if (webkit_website_data_manager_clear_finish(WEBKIT_WEBSITE_DATA_MANAGER(manager), result,
-                                                             error.put())) {
-                    (*owner)->complete();
-                } else {
-                    (*owner)->fail(
-                        std::make_exception_ptr(hresult_error(E_FAIL, to_hstring(error.message()))));
-                }
-            },
-            new pending(operation));
+        try {
+            clear_web_data(operation);
+        } catch (...) {
+            operation->fail(std::current_exception());
+        }
     });
     return Foundation::IAsyncAction(operation);
 }
