@@ -190,6 +190,18 @@ TEST_F(WebAllowedObjectTest, DeliversAllMessagesOfHostilePages) {
     EXPECT_EQ(onUIThread([&] { return messages->back(); }), "2:end");
 }
 
+TEST_F(WebAllowedObjectTest, RefusesMessagesThatWouldCostTheEngineItsMemory) {
+    auto const view = makeView();
+    auto const messages = addBridges(view);
+    loadText(view, L"page");
+    EXPECT_EQ(
+        eval(view, L"try { bridge.postMessage('x'.repeat((1 << 26) + 1)) } catch (error) { error + '' }")
+            .text,
+        L"Error: The message cannot be sent.");
+    eval(view, L"bridge.postMessage('text')");
+    EXPECT_EQ(received(view, messages, 1), (Texts{"1:text"}));
+}
+
 // Our scripts send texts only; a page's process that was taken over is not bound to.
 TEST_F(WebAllowedObjectTest, SurvivesMessagesThatAreNoTexts) {
     auto const view = makeView();

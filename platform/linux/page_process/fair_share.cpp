@@ -19,10 +19,9 @@
 
 namespace {
 
-std::atomic<int> engine = -1;
-std::atomic<int> calm = -1;
+std::atomic<int> tether = -1;
 
-/// Wakes the watching thread when these have come.
+/// Wakes the watching thread when that has come.
 int const news = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
 
 /// Lets a thread yield, and those that it starts later.
@@ -79,13 +78,14 @@ void watch() {
         while (true) {
             int64_t const left = limit - memory_in_use(statistics);
             auto const pause = std::clamp<int64_t>(left / fastest_growth, 50, 2000);
-            auto const watched_calm = yielding ? -1 : calm.load();
-            std::array<pollfd, 3> events{{{engine, POLLIN, 0}, {watched_calm, POLLIN, 0}, {news, POLLIN, 0}}};
+            // That it is to yield stays there to be read; its end is always told.
+            short const sign = yielding ? 0 : POLLIN;
+            std::array<pollfd, 2> events{{{tether, sign, 0}, {news, POLLIN, 0}}};
             poll(events.data(), events.size(), static_cast<int>(pause));
-            if (left < 0 || events[0].revents != 0) {
+            if (left < 0 || (events[0].revents & POLLHUP) != 0) {
                 _exit(EXIT_FAILURE);
             }
-            if (events[1].revents != 0) {
+            if (events[0].revents != 0) {
                 yield_processors(getpid());
                 yielding = true;
             }
@@ -100,14 +100,6 @@ void watch() {
     }).detach();
 }
 
-void keep_first(std::atomic<int>& first, int descriptor) {
-    int none = -1;
-    if (!first.compare_exchange_strong(none, descriptor)) {
-        close(descriptor);
-    }
-    eventfd_write(news, 1);
-}
-
 }  // namespace
 
 void take_fair_share() {
@@ -115,10 +107,10 @@ void take_fair_share() {
     watch();
 }
 
-void end_with_engine(int process) {
-    keep_first(engine, process);
-}
-
-void yield_in_crowds(int other_end) {
-    keep_first(calm, other_end);
+void follow(int descriptor) {
+    int none = -1;
+    if (!tether.compare_exchange_strong(none, descriptor)) {
+        close(descriptor);
+    }
+    eventfd_write(news, 1);
 }

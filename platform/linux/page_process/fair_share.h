@@ -8,11 +8,7 @@
 /// - the kernel ends it rather than the engine if memory runs out.
 void take_fair_share();
 
-/// Ends the process when the engine's has ended, also while a script runs. `process` is a descriptor of that
-/// process (pidfd), owned from now on; only the first one matters.
-void end_with_engine(int process);
-
-/// Lets the page's thread, and those that it starts later, yield to the engine's threads once the other end
-/// of `calm` has closed, also while a script runs. The descriptor is owned from now on; only the first one
-/// matters.
-void yield_in_crowds(int calm);
+/// Ends the process when the engine's has ended, or its view, and lets the page's thread yield when it is to,
+/// both also while a script runs. `tether` is a descriptor that says so (see page_tether), owned from now on;
+/// only the first one matters.
+void follow(int tether);

@@ -131,10 +131,9 @@ gboolean on_user_message(WebKitWebPage* page, WebKitUserMessage* message, gpoint
     // Nothing else is sent.
     GUnixFDList* const files = webkit_user_message_get_fd_list(message);
     answer_file::of(page).assign(g_unix_fd_list_get(files, 0, nullptr));
-    if (g_unix_fd_list_get_length(files) > 2) {
-        end_with_engine(g_unix_fd_list_get(files, 2, nullptr));
+    if (g_unix_fd_list_get_length(files) > 1) {
+        follow(g_unix_fd_list_get(files, 1, nullptr));
     }
-    yield_in_crowds(g_unix_fd_list_get(files, 1, nullptr));
     return TRUE;
 }
 

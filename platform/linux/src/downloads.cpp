@@ -2,8 +2,10 @@
 
 #include <fcntl.h>
 #include <libsoup/soup.h>
+#include <sys/statvfs.h>
 #include <winrt/Windows.Networking.BackgroundTransfer.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <thread>
 #include <vector>
@@ -102,6 +104,16 @@ void write_all(int file, char const* bytes, size_t count) {
     }
 }
 
+/// A page may ask for a document that never ends, or for one after the other.
+void require_free_space(int file) {
+    constexpr uint64_t enough = 256 << 20;
+    struct statvfs disk{};
+    if (fstatvfs(file, &disk) == 0 &&
+        disk.f_bavail * disk.f_frsize < std::min(enough, disk.f_blocks * disk.f_frsize / 10)) {
+        throw file_error(ENOSPC);
+    }
+}
+
 void save(GInputStream* body, file_descriptor const& file, GCancellable* cancellable) {
     constexpr size_t piece = 1 << 16;
     std::vector<char> buffer(piece);
@@ -111,6 +123,7 @@ void save(GInputStream* body, file_descriptor const& file, GCancellable* cancell
         if (count < 0) {
             throw transfer_error(error);
         }
+        require_free_space(file.get());
         write_all(file.get(), buffer.data(), static_cast<size_t>(count));
     }
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <map>
+#include <system_error>
 #include <thread>
 
 #include "ui_thread.h"
@@ -24,10 +25,17 @@ class pool {
 
     void submit(clock::time_point due, std::function<void()> work) {
         std::lock_guard guard(lock);
-        pending.emplace(due, std::move(work));
+        auto const added = pending.emplace(due, std::move(work));
         if (pending.size() > idle && count < limit) {
-            ++count;
-            std::thread([this] { run(); }).detach();
+            try {
+                std::thread([this] { run(); }).detach();
+                ++count;
+            } catch (std::system_error const&) {
+                if (count == 0) {
+                    pending.erase(added);  // or it would be done after it has failed
+                    throw;
+                }
+            }
         }
         changed.notify_one();
     }

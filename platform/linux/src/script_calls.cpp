@@ -1,14 +1,11 @@
 #include "script_calls.h"
 
 #include <gio/gunixfdlist.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "glib_ptr.h"
-#include "page_crowd.h"
 #include "page_world.h"
 #include "ui_thread.h"
 
@@ -330,25 +327,19 @@ void script_calls::change_page(bool has_page, winrt::hresult code, wchar_t const
 }
 
 void script_calls::open_answers() {
-    int calm = -1;
     try {
         answers.emplace();
-        calm = page_crowd::calm();
     } catch (winrt::hresult_error const& failure) {
         g_critical("%s", winrt::to_string(failure.message()).c_str());
-        return answers.reset();
+        return;
     }
     auto const files = gobject_ptr<GUnixFDList>::adopt(g_unix_fd_list_new());
-    static auto const this_process = static_cast<int>(syscall(SYS_pidfd_open, getpid(), 0));
     glib_error failure;
-    if (g_unix_fd_list_append(files.get(), answers->file(), failure.put()) < 0 ||
-        g_unix_fd_list_append(files.get(), calm, failure.put()) < 0) {
+    if (g_unix_fd_list_append(files.get(), answers->file(), failure.put()) < 0) {
         g_critical("%s", failure.message());
         return answers.reset();
     }
-    if (this_process >= 0) {  // not with the filters of some containers
-        g_unix_fd_list_append(files.get(), this_process, nullptr);
-    }
+    g_unix_fd_list_append(files.get(), tether.end_for_pages(), nullptr);
     webkit_web_view_send_message_to_page(
         view, webkit_user_message_new_with_fd_list("answers", nullptr, files.get()), nullptr, nullptr,
         nullptr);

@@ -10,6 +10,7 @@
 
 #include <winrt/Windows.Foundation.h>
 
+#include "page_tether.h"
 #include "script_answers.h"
 #include "wakeful_loop.h"
 
@@ -56,6 +57,7 @@ class script_calls {
     void cut_off(uint64_t last, std::exception_ptr const& reason);
 
     WebKitWebView* view;
+    page_tether tether;
     std::optional<script_answers> answers;  // while there is a page
     std::deque<pending_call> pending;
     uint64_t last_number = 0;

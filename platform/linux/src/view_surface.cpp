@@ -164,8 +164,14 @@ gboolean view_surface::on_draw(GtkWidget*, cairo_t* context, gpointer data) {
 }
 
 void view_surface::note_damage(cairo_region_t const* damage) {
+    constexpr int most_rectangles = 256;  // of a page that nobody looks at
     for (auto const& entry : canvases) {
         cairo_region_union(entry->stale, damage);
+        if (cairo_region_num_rectangles(entry->stale) > most_rectangles) {
+            cairo_rectangle_int_t extents;
+            cairo_region_get_extents(entry->stale, &extents);
+            cairo_region_union_rectangle(entry->stale, &extents);
+        }
     }
     frame_waiting = true;
     if (!requests.empty() && !answering) {

@@ -14,9 +14,12 @@ namespace {
 /// fewer than these.
 constexpr size_t kept_documents = 16;
 
+/// Code units of a message, for which the engine's side needs some ten times as many bytes.
+constexpr size_t longest_message = 1 << 26;
+
 // The functions belong to the page's world. What they use they took before the page's scripts could change
 // it, and no exception of the other world leaves them: it would lead the page there.
-constexpr char const* script_start = R"(((id, objects) => {
+constexpr char const* script_start = R"(((longest, id, objects) => {
     'use strict';
     if (window.reopened) {
         return;
@@ -67,6 +70,9 @@ constexpr char const* script_start = R"(((id, objects) => {
     };
     objects.forEach(([name, methods], index) => {
         define(name, methods, (method, value) => {
+            if (value.length > longest) {
+                throw new RangeError('The message is too long.');
+            }
             const text = `${id} ${index} ${method} ${value.toWellFormed()}`;
             if (waiting.length === 0 && portions < mostPortions) {
                 send(text);
@@ -129,8 +135,8 @@ void web_allowed_objects::install() {
         descriptions.push_back({name, object->methods()});
         incoming->objects.push_back(std::move(object));
     }
-    auto const source =
-        script_start + std::to_string(incoming->id) + ", " + descriptions.dump(-1, ' ', true) + ")";
+    auto const source = script_start + std::to_string(longest_message) + ", " + std::to_string(incoming->id) +
+                        ", " + descriptions.dump(-1, ' ', true) + ")";
     script = make_page_script(source.c_str());
     webkit_user_content_manager_add_script(manager(), script.get());
 }
@@ -156,7 +162,11 @@ void web_allowed_objects::on_load_changed(WebKitWebView*, WebKitLoadEvent event,
 
 void web_allowed_objects::on_message(WebKitUserContentManager*, WebKitJavascriptResult* message,
                                      gpointer data) {
-    static_cast<web_allowed_objects*>(data)->deliver(text_of(webkit_javascript_result_get_js_value(message)));
+    constexpr size_t longest_text = longest_message * 3 + 100;  // as UTF-8, with what stands before it
+    auto const text = text_of(webkit_javascript_result_get_js_value(message));
+    if (text.size() <= longest_text) {
+        static_cast<web_allowed_objects*>(data)->deliver(text);
+    }
 }
 
 gboolean web_allowed_objects::on_question(WebKitUserContentManager*, JSCValue* question,

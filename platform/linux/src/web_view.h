@@ -5,7 +5,6 @@
 #include "element_tree.h"
 #include "glib_ptr.h"
 #include "navigation_tracker.h"
-#include "page_crowd.h"
 #include "script_calls.h"
 #include "view_surface.h"
 #include "web_allowed_objects.h"
@@ -61,7 +60,6 @@ struct web_view_object : ui_element_object {
     void wait_for_departure(std::function<void()> load);
     void end_wait_for_departure();
 
-    page_crowd crowd;
     gobject_ptr<GtkWidget> widget;
     gobject_ptr<GtkWidget> offscreen_window;
     std::optional<view_surface> surface;
