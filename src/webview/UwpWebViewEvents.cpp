@@ -87,7 +87,9 @@ void UwpWebView::onNewWindowRequested(const controls::WebViewNewWindowRequestedE
     const auto isLocal = [](const foundation::Uri& of) {
         return of && of.SchemeName() == L"ms-local-stream";
     };
-    if (!isLocal(uri) && uri.SchemeName() != L"file") {
+    // Those of the app's own files begin like the local stream's.
+    const std::wstring scheme(uri.SchemeName());
+    if (scheme != L"file" && !scheme.starts_with(L"ms-")) {
         webView.Navigate(uri);
     } else if (isLocal(uri) && isLocal(webView.Source())) {
         webView.NavigateToLocalStreamUri(uri, sharedResolver());

@@ -137,12 +137,13 @@ void requests(Engine& engine) {
               engine.recorder().since(from),
               [](const auto& record) { return record.payload.ends_with("site.example/new\" }}"); }),
           "a new window opens in the view");
+    app::requestNewWindow(L"ms-appx-web:///page.html");
     app::requestNewWindow(L"ms-local-stream://app_ZarvikLocal/file/C:/pages/page.html");
-    check(std::ranges::any_of(engine.recorder().since(from),
-                              [](const auto& record) {
-                                  return record.payload.find("isn't allowed to open the local content") !=
-                                         std::string::npos;
-                              }),
+    check(std::ranges::count_if(engine.recorder().since(from),
+                                [](const auto& record) {
+                                    return record.payload.find("isn't allowed to open the local content") !=
+                                           std::string::npos;
+                                }) == 2,
           "a page cannot open local content");
 
     session.load();
