@@ -50,5 +50,15 @@ class EngineTest : public testing::Test {
     Engine engine{{}};
 };
 
+/// A test of one view.
+class ViewTest : public EngineTest {
+  protected:
+    explicit ViewTest(zarvik::host::Size size = {320, 240}) : view(engine, size) {}
+
+    std::string evaluate(const std::string& script) { return view.evaluate(script).value_or("no answer"); }
+
+    View view;
+};
+
 /// The message that tells of a navigation to a URL.
 std::string urlChanged(const std::string& url);

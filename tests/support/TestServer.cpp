@@ -1,12 +1,8 @@
 #include "support/TestServer.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <openssl/evp.h>
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <stdexcept>
@@ -137,15 +133,5 @@ bool TestServer::waitForRequest(const std::string& path) const {
 }
 
 int closedPort() {
-    const int probe = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    if (probe < 0 || bind(probe, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
-        getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
-        throw std::runtime_error("No free port on loopback");
-    }
-    close(probe);
-    return ntohs(address.sin_port);
+    return TestServer().port();
 }
