@@ -12,6 +12,7 @@
 namespace {
 
 using namespace std::chrono_literals;
+using namespace std::string_literals;
 using nlohmann::json;
 using zarvik::host::Engine;
 using zarvik::host::LoadResult;
@@ -71,20 +72,20 @@ void changeTheUserAgentTwiceAtOnce() {
 TEST_F(CookiesTest, RoundTripAndDeletion) {
     const auto later = std::time(nullptr) + 3600;
     ASSERT_TRUE(set(session("one", "1")));
-    json full = session("two", "val ü");
+    json full = session("two", R"(v=2 "x\", y)");
     full.update({{"ExpirationDate", later}, {"HttpOnly", true}, {"Secure", false}});
-    full["Value"] = "v=2";
     ASSERT_TRUE(set(full));
     EXPECT_EQ(cookies(url).size(), 2U);
     const auto two = cookies(url, "two");
     ASSERT_EQ(two.size(), 1U);
     EXPECT_EQ(two[0]["Name"], "two");
-    EXPECT_EQ(two[0]["Value"], "v=2");
+    EXPECT_EQ(two[0]["Value"], full["Value"]);
     EXPECT_EQ(two[0]["Domain"], "127.0.0.1");
     EXPECT_EQ(two[0]["Path"], "/");
     EXPECT_EQ(two[0]["ExpirationDate"], later);
     EXPECT_EQ(two[0]["HttpOnly"], true);
     EXPECT_EQ(two[0]["Secure"], false);
+    EXPECT_TRUE(cookies(url, "one").at(0)["ExpirationDate"].is_null());
     EXPECT_TRUE(cookies("http://other.invalid/").empty());
 
     ASSERT_TRUE(set(session("one", "changed")));
@@ -95,6 +96,15 @@ TEST_F(CookiesTest, RoundTripAndDeletion) {
     EXPECT_EQ(cookies(url).size(), 1U);
     plugin().WebView_deleteCookies(url.c_str(), nullptr);
     EXPECT_TRUE(cookies(url).empty());
+
+    full.update({{"Domain", ".Cookies.Example"}, {"Path", "/deep"}, {"Secure", true}});
+    ASSERT_TRUE(set(full));
+    const std::string within = "https://sub.cookies.example/deep/page";
+    EXPECT_EQ(cookies(within).size(), 1U);
+    EXPECT_EQ(cookies("http://cookies.example/deep").size(), 0U) << "over a connection that is not secure";
+    EXPECT_EQ(cookies("https://cookies.example/other").size(), 0U);
+    plugin().WebView_deleteCookies(within.c_str(), nullptr);
+    EXPECT_TRUE(cookies(within).empty());
     EXPECT_EQ(errorsSince(0), std::vector<std::string>{});
 }
 
@@ -113,12 +123,35 @@ TEST_F(CookiesTest, PagesAndTheEngineShareThem) {
 
 TEST_F(CookiesTest, BadInputIsRefusedWithALogLine) {
     const std::string failed = "An error occurred while setting a cookie. Error message: ";
-    for (const char* text :
-         {"", "no json", "[]", "{}", R"({"Name":"a"})", R"({"Name":"","Domain":"127.0.0.1"})",
-          R"({"Name":"a","Value":"1\n2","Domain":"127.0.0.1","Path":"/"})",
-          R"({"Name":5,"Value":"1","Domain":"127.0.0.1","Path":"/"})"}) {
+    std::vector<std::string> inputs{"",
+                                    "no json",
+                                    "[]",
+                                    "{}",
+                                    R"({"Name":"a"})",
+                                    "{} {}",
+                                    R"({"Name":"a\ud800","Value":"1","Domain":"127.0.0.1"})",
+                                    R"({"a":)" + std::string(200'000, '[')};
+    const std::pair<const char*, std::vector<json>> invalid[] = {
+        {"Name", {"", "a;b", "a=b", "a\nb", " a", "a\x7f", 5}},
+        {"Value", {"a;b", "1\n2", true}},
+        {"Domain",
+         {"", ".", "a b", "http://a.example", "a.example/x", "a.example:80", "..a", "a..example", "com",
+          ".co.uk", "a\n.example"}},
+        {"Path", {"deep", "/a;b", "/a\nb"}},
+        {"ExpirationDate", {-1, 400'000'000'000, "1"}},
+        {"Secure", {"true"}},
+    };
+    for (const auto& [key, values] : invalid) {
+        for (const auto& value : values) {
+            auto cookie = session("a", "1");
+            cookie[key] = value;
+            inputs.push_back(cookie.dump());
+        }
+    }
+    for (const auto& input : inputs) {
+        const auto text = input.substr(0, 200);
         const auto from = recorder().position();
-        EXPECT_FALSE(plugin().WebView_setCookie(text)) << text;
+        EXPECT_FALSE(plugin().WebView_setCookie(input.c_str())) << text;
         const auto errors = errorsSince(from);
         ASSERT_EQ(errors.size(), 1U) << text;
         EXPECT_TRUE(errors[0].starts_with(failed)) << errors[0];
@@ -171,15 +204,19 @@ TEST_F(CookiesTest, TheUserAgentIsTheWholeProcesss) {
     };
     const auto original = seen();
     EXPECT_NE(original.find("AppleWebKit"), std::string::npos);
-    plugin().WebView_globallySetUserAgent("Agent/1.0 (test)");
-    EXPECT_EQ(seen(), "Agent/1.0 (test)");
+    plugin().WebView_globallySetUserAgent("Agent/1.0 (a; b (c\\)) d) x");
+    EXPECT_EQ(seen(), "Agent/1.0 (a; b (c\\)) d) x");
     plugin().WebView_globallySetUserAgentToMobile(true);
     EXPECT_EQ(seen(), mobile);
     plugin().WebView_globallySetUserAgentToMobile(false);
     EXPECT_EQ(seen(), original);
-    const auto from = recorder().position();
-    plugin().WebView_globallySetUserAgent("line\r\nbreak: x");
-    EXPECT_EQ(errorsSince(from).size(), 1U);
+    // What the browser engine would ignore.
+    for (const std::string& text : {"a\nb"s, "a\r\nX-Forged: 1"s, "(comment first)"s, "a (open"s, "a; b"s,
+                                    "a/b/c"s, " a"s, "a "s, "ü"s, "[x]"s, "a " + std::string(1 << 20, '(')}) {
+        const auto from = recorder().position();
+        plugin().WebView_globallySetUserAgent(text.c_str());
+        EXPECT_EQ(errorsSince(from).size(), 1U) << text.substr(0, 100);
+    }
     EXPECT_EQ(seen(), original);
 }
 
