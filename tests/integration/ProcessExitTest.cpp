@@ -93,39 +93,28 @@ void closeLibrary() {
 
 }  // namespace
 
-TEST_F(ProcessExitTest, ByExit) {
-    EXPECT_EXIT(endWithViews([] { std::exit(exitCode); }), testing::ExitedWithCode(exitCode), "");
-    expectNothingStays();
-}
-
-TEST_F(ProcessExitTest, ByExitOfAnotherThread) {
-    EXPECT_EXIT(endWithViews([] { std::thread([] { std::exit(exitCode); }).join(); }),
-                testing::ExitedWithCode(exitCode), "");
-    expectNothingStays();
-}
-
-TEST_F(ProcessExitTest, WithoutCleaningUp) {
-    EXPECT_EXIT(endWithViews([] { _exit(exitCode); }), testing::ExitedWithCode(exitCode), "");
-    expectNothingStays();
-}
-
-TEST_F(ProcessExitTest, ByQuickExit) {
-    EXPECT_EXIT(endWithViews([] { std::quick_exit(exitCode); }), testing::ExitedWithCode(exitCode), "");
-    expectNothingStays();
+TEST_F(ProcessExitTest, ByAnyExit) {
+    const std::pair<const char*, void (*)()> ways[] = {
+        {"exit", [] { std::exit(exitCode); }},
+        {"exit of another thread", [] { std::thread([] { std::exit(exitCode); }).join(); }},
+        {"without cleaning up", [] { _exit(exitCode); }},
+        {"quick exit", [] { std::quick_exit(exitCode); }},
+        {"after the library was closed",
+         [] {
+             closeLibrary();
+             std::this_thread::sleep_for(200ms);
+             std::exit(exitCode);
+         }},
+    };
+    for (const auto& [name, end] : ways) {
+        SCOPED_TRACE(name);
+        EXPECT_EXIT(endWithViews(end), testing::ExitedWithCode(exitCode), "");
+        expectNothingStays();
+    }
 }
 
 TEST_F(ProcessExitTest, ByASignal) {
     EXPECT_EXIT(endWithViews([] { kill(getpid(), SIGKILL); }), testing::KilledBySignal(SIGKILL), "");
-    expectNothingStays();
-}
-
-TEST_F(ProcessExitTest, AfterTheLibraryWasClosed) {
-    EXPECT_EXIT(endWithViews([] {
-                    closeLibrary();
-                    std::this_thread::sleep_for(200ms);
-                    std::exit(exitCode);
-                }),
-                testing::ExitedWithCode(exitCode), "");
     expectNothingStays();
 }
 
