@@ -23,14 +23,6 @@ TEST(PageScriptsTest, KeysAreEscapedOnlyAsAWhole) {
     EXPECT_EQ(argument(""), "");
 }
 
-TEST(PageScriptsTest, TheAgentStartsWithItsOptions) {
-    EXPECT_TRUE(agentScript.starts_with(R"(if(typeof Object.assign!="function"))"));
-    EXPECT_EQ(page_scripts::agentStart(true, false, 1.5),
-              std::string(agentScript) +
-                  ";window.__initZarvik({ enableConsoleMessageEvents: true, enableFocusedInputFieldEvents: "
-                  "false, expectedDevicePixelRatio: 1.500000 });");
-}
-
 TEST(PageScriptsTest, FramesGetTheAgentAsAQuotedText) {
     const std::string before =
         "document.querySelectorAll('iframe[data-zarvik-target]').forEach(iframe => { "
