@@ -148,27 +148,3 @@ test("a page without a background gets a white layer behind it", async (t) => {
     await run(page, "document.body.remove()");
     await call(page, "setDefaultBackground");
 });
-
-test("flattened methods are bound, the base class's win, and accessors stay", async (t) => {
-    const page = await openPage(t, "");
-    const result = await page.evaluate(() => {
-        const flattenPrototypes = System.require("utils/flattenPrototypes").default;
-        let reads = 0;
-        class Base {
-            name = "me";
-            both() { return `base ${this.name}`; }
-            inherited() { return this.name; }
-        }
-        class Derived extends Base {
-            both() { return `derived ${this.name}`; }
-            get counted() { return ++reads; }
-        }
-        const instance = new Derived();
-        flattenPrototypes(instance, Derived.prototype);
-        const { both, inherited } = instance;
-        return { both: both(), inherited: inherited(), own: Object.keys(instance), reads };
-    });
-    assert.deepEqual(result, { both: "base me", inherited: "me", own: ["name", "both", "inherited"], reads: 0 });
-    const copy = await run(page, "System.require('utils/arrayFrom').default({ 0: 'a', 2: 'c', length: 3 })");
-    assert.deepEqual(copy, ["a", undefined, "c"]);
-});
