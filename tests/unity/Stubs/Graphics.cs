@@ -13,28 +13,24 @@ namespace UnityEngine
 
     public enum TextureFormat
     {
-        RGBA32 = 4,
-        BGRA32 = 14,
+        RGBA32, BGRA32,
     }
 
     public enum TextureWrapMode
     {
-        Clamp = 1,
+        Clamp,
     }
 
     public enum FilterMode
     {
-        Bilinear = 1,
+        Bilinear,
     }
 
     public class Texture : Object
     {
         public TextureWrapMode wrapMode;
         public FilterMode filterMode;
-
-        public int width { get; protected set; }
-
-        public int height { get; protected set; }
+        public int width, height;
     }
 
     public sealed class Texture2D : Texture
@@ -42,23 +38,14 @@ namespace UnityEngine
         public IntPtr NativePointer;
         public byte[] LoadedImage;
 
-        public Texture2D(int width, int height, TextureFormat format, bool mipChain)
-        {
-            this.width = width;
-            this.height = height;
-        }
+        public Texture2D(int width, int height, TextureFormat format, bool mipChain) =>
+            (this.width, this.height) = (width, height);
 
         public static Texture2D CreateExternalTexture(
-            int width, int height, TextureFormat format, bool mipChain, bool linear, IntPtr nativeTex)
-        {
-            return new Texture2D(width, height, format, mipChain) { NativePointer = nativeTex };
-        }
+            int width, int height, TextureFormat format, bool mipChain, bool linear, IntPtr nativeTex) =>
+            new Texture2D(width, height, format, mipChain) { NativePointer = nativeTex };
 
-        public bool LoadImage(byte[] data)
-        {
-            LoadedImage = data;
-            return true;
-        }
+        public void LoadImage(byte[] data) => LoadedImage = data;
     }
 
     public sealed class Material : Object
@@ -70,29 +57,14 @@ namespace UnityEngine
 
     public sealed class Shader : Object
     {
-        private static readonly List<string> Names = new List<string>();
-
-        private Shader()
-        {
-        }
-
         public static Shader Find(string name) => new Shader { name = name };
 
-        public static int PropertyToID(string name)
-        {
-            int index = Names.IndexOf(name);
-            if (index < 0)
-            {
-                index = Names.Count;
-                Names.Add(name);
-            }
-            return index;
-        }
+        public static int PropertyToID(string name) => name.GetHashCode();
     }
 
     public sealed class MaterialPropertyBlock
     {
-        public readonly Dictionary<int, object> Values = new Dictionary<int, object>();
+        public Dictionary<int, object> Values = new Dictionary<int, object>();
 
         public void SetTexture(int nameID, Texture value) => Values[nameID] = value;
 
@@ -101,17 +73,11 @@ namespace UnityEngine
 
     public class Renderer : Component
     {
-        public Material material { get; set; }
-
+        public Material material;
         public MaterialPropertyBlock Properties = new MaterialPropertyBlock();
 
-        public void GetPropertyBlock(MaterialPropertyBlock properties)
-        {
-            foreach (KeyValuePair<int, object> pair in Properties.Values)
-            {
-                properties.Values[pair.Key] = pair.Value;
-            }
-        }
+        public void GetPropertyBlock(MaterialPropertyBlock properties) =>
+            properties.Values = new Dictionary<int, object>(Properties.Values);
 
         public void SetPropertyBlock(MaterialPropertyBlock properties) => Properties = properties;
     }
@@ -122,19 +88,19 @@ namespace UnityEngine
 
     public struct Ray
     {
-        public Vector3 Origin;
+        public Vector2 Origin;
     }
 
     public sealed class Camera : Component
     {
-        public static Camera main { get; set; }
+        public static Camera main;
 
-        public Ray ScreenPointToRay(Vector3 position) => new Ray { Origin = position };
+        public Ray ScreenPointToRay(Vector2 position) => new Ray { Origin = position };
     }
 
     public struct RaycastHit
     {
-        public Vector2 textureCoord { get; set; }
+        public Vector2 textureCoord;
     }
 
     public class Collider : Component
@@ -149,22 +115,20 @@ namespace UnityEngine
 
     public enum RenderMode
     {
-        ScreenSpaceOverlay = 0,
-        ScreenSpaceCamera = 1,
+        ScreenSpaceOverlay, ScreenSpaceCamera,
     }
 
     public sealed class Canvas : Component
     {
-        public RenderMode renderMode { get; set; }
-
-        public Camera worldCamera { get; set; }
+        public RenderMode renderMode;
+        public Camera worldCamera;
 
         public Canvas rootCanvas => this;
     }
 
     public enum PrimitiveType
     {
-        Quad = 5,
+        Quad,
     }
 
     public static class RectTransformUtility
@@ -196,10 +160,10 @@ namespace UnityEngine.UI
 
     public sealed class RawImage : Component
     {
-        public RectTransform rectTransform => (RectTransform)transform;
-
         public Texture texture;
         public Rect uvRect = new Rect(0, 0, 1, 1);
+
+        public RectTransform rectTransform => (RectTransform)transform;
     }
 }
 
@@ -207,7 +171,6 @@ namespace UnityEngine.Rendering
 {
     public enum GraphicsDeviceType
     {
-        Direct3D11 = 2,
-        Direct3D12 = 18,
+        Direct3D11, Direct3D12,
     }
 }

@@ -6,51 +6,34 @@ namespace UnityEngine
     public enum EventType
     {
         KeyDown = 4,
-        KeyUp = 5,
     }
 
     [Flags]
     public enum EventModifiers
     {
-        None = 0,
-        Shift = 1,
-        Control = 2,
-        Alt = 4,
-        Command = 8,
+        None = 0, Control = 2, Alt = 4, Command = 8,
     }
 
     public enum KeyCode
     {
-        None = 0,
-        Backspace = 8,
-        Return = 13,
-        A = 97,
-        KeypadEnter = 271,
-        UpArrow = 273,
-        DownArrow = 274,
-        RightArrow = 275,
-        LeftArrow = 276,
+        None, A, Backspace, Return, KeypadEnter, UpArrow, DownArrow, RightArrow, LeftArrow,
     }
 
     public sealed class Event
     {
         public static readonly Queue<Event> Queue = new Queue<Event>();
 
-        public EventType rawType { get; set; }
-
-        public KeyCode keyCode { get; set; }
-
-        public char character { get; set; }
-
-        public EventModifiers modifiers { get; set; }
+        public EventType rawType;
+        public KeyCode keyCode;
+        public char character;
+        public EventModifiers modifiers;
 
         public static bool PopEvent(Event outEvent)
         {
-            if (Queue.Count == 0)
+            if (!Queue.TryDequeue(out Event next))
             {
                 return false;
             }
-            Event next = Queue.Dequeue();
             outEvent.rawType = next.rawType;
             outEvent.keyCode = next.keyCode;
             outEvent.character = next.character;
@@ -73,25 +56,17 @@ namespace UnityEngine.EventSystems
     {
         public enum InputButton
         {
-            Left,
-            Right,
-            Middle,
+            Left, Right, Middle,
         }
 
-        public InputButton button { get; set; }
-
-        public Vector2 position { get; set; }
-
-        public Vector2 scrollDelta { get; set; }
-
-        public Camera enterEventCamera { get; set; }
-
-        public Camera pressEventCamera { get; set; }
+        public InputButton button;
+        public Vector2 position, scrollDelta;
+        public Camera enterEventCamera, pressEventCamera;
     }
 
     public sealed class EventSystem
     {
-        public static EventSystem current { get; set; } = new EventSystem();
+        public static readonly EventSystem current = new EventSystem();
 
         public GameObject Selected { get; private set; }
 

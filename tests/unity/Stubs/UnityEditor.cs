@@ -4,52 +4,45 @@ using UnityEngine.Rendering;
 
 namespace UnityEditor
 {
-    [AttributeUsage(AttributeTargets.Class)]
     public sealed class InitializeOnLoadAttribute : Attribute
     {
     }
 
     public static class AssemblyReloadEvents
     {
-        public delegate void AssemblyReloadCallback();
-
-        public static event AssemblyReloadCallback beforeAssemblyReload;
+        public static event Action beforeAssemblyReload;
 
         public static void Raise() => beforeAssemblyReload?.Invoke();
     }
 
     public static class EditorApplication
     {
-        public static event Action quitting;
-
-        public static void Quit() => quitting?.Invoke();
+        public static Action quitting;
     }
 
     public enum BuildTarget
     {
-        StandaloneLinux64 = 24,
-        WSAPlayer = 21,
+        WSAPlayer,
     }
 
     public enum WSAUWPBuildType
     {
-        XAML = 0,
-        D3D = 1,
+        XAML, D3D,
     }
 
     public static class EditorUserBuildSettings
     {
-        public static WSAUWPBuildType wsaUWPBuildType { get; set; }
+        public static WSAUWPBuildType wsaUWPBuildType;
     }
 
     public static class PlayerSettings
     {
         public enum WSACapability
         {
-            InternetClient = 1,
+            InternetClient,
         }
 
-        public static GraphicsDeviceType[] Apis { get; set; } = { GraphicsDeviceType.Direct3D11 };
+        public static GraphicsDeviceType[] Apis { get; set; }
 
         public static GraphicsDeviceType[] GetGraphicsAPIs(BuildTarget platform) => Apis;
 
@@ -76,11 +69,11 @@ namespace UnityEditor.Build.Reporting
 {
     public struct BuildSummary
     {
-        public BuildTarget platform { get; set; }
+        public BuildTarget platform;
     }
 
     public sealed class BuildReport
     {
-        public BuildSummary summary { get; set; }
+        public BuildSummary summary;
     }
 }

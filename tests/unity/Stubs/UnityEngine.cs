@@ -7,26 +7,28 @@ namespace UnityEngine
 {
     public class Object
     {
+        public static readonly List<Object> Alive = new List<Object>();
+
         public string name;
         public HideFlags hideFlags;
 
-        public static readonly List<Object> Alive = new List<Object>();
+        public Object() => Alive.Add(this);
 
         public bool IsDestroyed { get; private set; }
 
-        public Object()
-        {
-            Alive.Add(this);
-        }
-
         public static void Destroy(Object target)
         {
-            if (target is GameObject gameObject)
-            {
-                gameObject.DestroyComponents();
-            }
+            (target as GameObject)?.DestroyComponents();
             target.MarkDestroyed();
         }
+
+        public static void DontDestroyOnLoad(Object target)
+        {
+        }
+
+        public static bool operator ==(Object left, Object right) => ReferenceEquals(Live(left), Live(right));
+
+        public static bool operator !=(Object left, Object right) => !(left == right);
 
         internal void MarkDestroyed()
         {
@@ -34,29 +36,8 @@ namespace UnityEngine
             Alive.Remove(this);
         }
 
-        public static void DontDestroyOnLoad(Object target)
-        {
-        }
-
-        public static bool operator ==(Object left, Object right)
-        {
-            return ReferenceEquals(Live(left), Live(right));
-        }
-
-        public static bool operator !=(Object left, Object right)
-        {
-            return !(left == right);
-        }
-
-        public override bool Equals(object other) => this == other as Object;
-
-        public override int GetHashCode() => System.Runtime.CompilerServices.RuntimeHelpers.GetHashCode(this);
-
         /// <summary>A destroyed object equals null.</summary>
-        private static Object Live(Object target)
-        {
-            return target is null || target.IsDestroyed ? null : target;
-        }
+        private static Object Live(Object target) => target is null || target.IsDestroyed ? null : target;
     }
 
     public class Component : Object
@@ -69,20 +50,13 @@ namespace UnityEngine
 
         public T GetComponentInParent<T>() where T : class => gameObject.GetComponent<T>();
 
-        public bool TryGetComponent<T>(out T component) where T : class
-        {
-            component = GetComponent<T>();
-            return component != null;
-        }
+        public bool TryGetComponent<T>(out T component) where T : class => (component = GetComponent<T>()) != null;
     }
 
-    public class Behaviour : Component
+    public class MonoBehaviour : Component
     {
         public bool isActiveAndEnabled => !IsDestroyed && gameObject.activeInHierarchy;
-    }
 
-    public class MonoBehaviour : Behaviour
-    {
         /// <summary>Calls one of Unity's messages, if the script has it.</summary>
         public void Send(string message)
         {
@@ -94,9 +68,7 @@ namespace UnityEngine
 
     public class Transform : Component
     {
-        public Vector3 localScale { get; set; }
-
-        public Vector3 position { get; set; }
+        public Vector3 localScale, position;
 
         public void SetParent(Transform parent, bool worldPositionStays)
         {
@@ -106,8 +78,7 @@ namespace UnityEngine
     public class RectTransform : Transform
     {
         public Rect rect = new Rect(0, 0, 100, 100);
-
-        public Vector2 sizeDelta { get; set; }
+        public Vector2 sizeDelta;
 
         public void GetWorldCorners(Vector3[] corners)
         {
@@ -185,88 +156,45 @@ namespace UnityEngine
         }
     }
 
-    [Flags]
     public enum HideFlags
     {
-        None = 0,
-        HideInHierarchy = 1,
-        DontSave = 52,
+        HideInHierarchy, DontSave,
     }
 
     public struct Vector2
     {
-        public float x;
-        public float y;
+        public float x, y;
 
-        public Vector2(float x, float y)
-        {
-            this.x = x;
-            this.y = y;
-        }
-
-        public static implicit operator Vector3(Vector2 value) => new Vector3(value.x, value.y, 0);
+        public Vector2(float x, float y) => (this.x, this.y) = (x, y);
     }
 
     public struct Vector3
     {
-        public float x;
-        public float y;
-        public float z;
+        public float x, y, z;
 
-        public Vector3(float x, float y, float z)
-        {
-            this.x = x;
-            this.y = y;
-            this.z = z;
-        }
+        public Vector3(float x, float y, float z) => (this.x, this.y, this.z) = (x, y, z);
     }
 
     public struct Vector4
     {
-        public float x;
-        public float y;
-        public float z;
-        public float w;
+        public float x, y, z, w;
 
-        public Vector4(float x, float y, float z, float w)
-        {
-            this.x = x;
-            this.y = y;
-            this.z = z;
-            this.w = w;
-        }
+        public Vector4(float x, float y, float z, float w) => (this.x, this.y, this.z, this.w) = (x, y, z, w);
     }
 
     public struct Vector2Int
     {
-        public Vector2Int(int x, int y)
-        {
-            this.x = x;
-            this.y = y;
-        }
+        public int x, y;
 
-        public int x { get; set; }
-
-        public int y { get; set; }
+        public Vector2Int(int x, int y) => (this.x, this.y) = (x, y);
     }
 
     public struct Rect
     {
-        public Rect(float x, float y, float width, float height)
-        {
-            this.x = x;
-            this.y = y;
-            this.width = width;
-            this.height = height;
-        }
+        public float x, y, width, height;
 
-        public float x { get; set; }
-
-        public float y { get; set; }
-
-        public float width { get; set; }
-
-        public float height { get; set; }
+        public Rect(float x, float y, float width, float height) =>
+            (this.x, this.y, this.width, this.height) = (x, y, width, height);
     }
 
     public static class Application
@@ -278,20 +206,13 @@ namespace UnityEngine
     {
         public static readonly List<string> Lines = new List<string>();
 
-        public static void Log(object message) => Add("log", message);
+        public static void Log(object message) => Lines.Add("log: " + message);
 
-        public static void LogWarning(object message) => Add("warning", message);
+        public static void LogWarning(object message) => Lines.Add("warning: " + message);
 
-        public static void LogError(object message) => Add("error", message);
+        public static void LogError(object message, Object context = null) => Lines.Add("error: " + message);
 
-        public static void LogError(object message, Object context) => Add("error", message);
-
-        public static void LogException(Exception exception) => Add("exception", exception);
-
-        private static void Add(string kind, object message)
-        {
-            Lines.Add(kind + ": " + message);
-        }
+        public static void LogException(Exception exception) => Lines.Add("exception: " + exception);
     }
 
     public static class Time
@@ -305,7 +226,6 @@ namespace UnityEngine
         public static int height = 1080;
     }
 
-    [AttributeUsage(AttributeTargets.Class)]
     public sealed class AddComponentMenu : Attribute
     {
         public AddComponentMenu(string menuName)
@@ -313,7 +233,6 @@ namespace UnityEngine
         }
     }
 
-    [AttributeUsage(AttributeTargets.Class)]
     public sealed class DefaultExecutionOrder : Attribute
     {
         public DefaultExecutionOrder(int order)
@@ -321,12 +240,10 @@ namespace UnityEngine
         }
     }
 
-    [AttributeUsage(AttributeTargets.Class)]
     public sealed class DisallowMultipleComponent : Attribute
     {
     }
 
-    [AttributeUsage(AttributeTargets.Class)]
     public sealed class RequireComponent : Attribute
     {
         public RequireComponent(Type type)
@@ -334,12 +251,10 @@ namespace UnityEngine
         }
     }
 
-    [AttributeUsage(AttributeTargets.Field)]
     public sealed class SerializeField : Attribute
     {
     }
 
-    [AttributeUsage(AttributeTargets.Field)]
     public sealed class TooltipAttribute : Attribute
     {
         public TooltipAttribute(string tooltip)
@@ -349,10 +264,9 @@ namespace UnityEngine
 
     public enum RuntimeInitializeLoadType
     {
-        SubsystemRegistration = 4,
+        SubsystemRegistration,
     }
 
-    [AttributeUsage(AttributeTargets.Method)]
     public sealed class RuntimeInitializeOnLoadMethodAttribute : Attribute
     {
         public RuntimeInitializeOnLoadMethodAttribute(RuntimeInitializeLoadType loadType)
@@ -365,8 +279,8 @@ namespace UnityEngine.Events
 {
     public class UnityEvent<T>
     {
-        public event Action<T> Listeners;
-
-        public void Invoke(T argument) => Listeners?.Invoke(argument);
+        public void Invoke(T argument)
+        {
+        }
     }
 }
