@@ -18,7 +18,7 @@ namespace Zarvik.Orvella.LibraryTests
 
         private static readonly ComObject* Device = Create(DeviceTable(), null, 0, 0);
         private static readonly ComObject* Context = Create(ContextTable(), null, 0, 0);
-        private static readonly IntPtr Graphics = GraphicsTable();
+        private static readonly IntPtr Graphics = (IntPtr)Table((0, (IntPtr)(delegate* unmanaged<ComObject*>)&GetDevice));
 
         private static int liveTextures;
         private static int liveViews;
@@ -45,10 +45,8 @@ namespace Zarvik.Orvella.LibraryTests
         /// <summary>What UnityPluginLoad gets.</summary>
         internal static IntPtr Interfaces()
         {
-            void** table = AllocateTable(4);
-            table[0] = (delegate* unmanaged<ulong, ulong, IntPtr>)&GetInterface;
-            table[2] = (delegate* unmanaged<ulong, ulong, IntPtr>)&GetInterface;
-            return (IntPtr)table;
+            var get = (IntPtr)(delegate* unmanaged<ulong, ulong, IntPtr>)&GetInterface;
+            return (IntPtr)Table((0, get), (2, get));
         }
 
         /// <summary>A pixel of a view's texture as 0xAARRGGBB, from the upper left.</summary>
@@ -64,62 +62,45 @@ namespace Zarvik.Orvella.LibraryTests
             return (texture->Width, texture->Height);
         }
 
-        private static void** AllocateTable(int length)
+        /// <summary>A table with some functions at their places; whatever else is called refuses.</summary>
+        private static void** Table(params (int Place, IntPtr Function)[] functions)
         {
-            var table = (void**)NativeMemory.AllocZeroed((nuint)length, (nuint)sizeof(void*));
-            for (int i = 0; i < length; ++i)
+            const int Length = 120; // more than any interface here has
+            var table = (void**)NativeMemory.AllocZeroed(Length, (nuint)sizeof(void*));
+            for (int i = 0; i < Length; ++i)
             {
                 table[i] = (delegate* unmanaged<IntPtr, int>)&Refuse;
+            }
+            foreach ((int place, IntPtr function) in functions)
+            {
+                table[place] = (void*)function;
             }
             return table;
         }
 
-        private static IntPtr GraphicsTable()
+        private static void** ComTable(params (int Place, IntPtr Function)[] functions)
         {
-            void** table = AllocateTable(1);
-            table[0] = (delegate* unmanaged<ComObject*>)&GetDevice;
-            return (IntPtr)table;
-        }
-
-        private static void** ComTable(int length)
-        {
-            void** table = AllocateTable(length);
+            void** table = Table(functions);
             table[0] = (delegate* unmanaged<ComObject*, IntPtr, ComObject**, int>)&QueryInterface;
             table[1] = (delegate* unmanaged<ComObject*, uint>)&AddRef;
             table[2] = (delegate* unmanaged<ComObject*, uint>)&Release;
             return table;
         }
 
-        private static void** DeviceTable()
-        {
-            void** table = ComTable(43);
-            table[5] = (delegate* unmanaged<IntPtr, uint*, IntPtr, ComObject**, int>)&CreateTexture;
-            table[7] = (delegate* unmanaged<IntPtr, ComObject*, IntPtr, ComObject**, int>)&CreateView;
-            table[40] = (delegate* unmanaged<IntPtr, ComObject**, void>)&GetImmediateContext;
-            return table;
-        }
+        private static void** DeviceTable() => ComTable(
+            (5, (IntPtr)(delegate* unmanaged<IntPtr, uint*, IntPtr, ComObject**, int>)&CreateTexture),
+            (7, (IntPtr)(delegate* unmanaged<IntPtr, ComObject*, IntPtr, ComObject**, int>)&CreateView),
+            (40, (IntPtr)(delegate* unmanaged<IntPtr, ComObject**, void>)&GetImmediateContext));
 
-        private static void** ContextTable()
-        {
-            void** table = ComTable(115);
-            table[14] = (delegate* unmanaged<IntPtr, ComObject*, uint, int, uint, Mapped*, int>)&Map;
-            table[15] = (delegate* unmanaged<IntPtr, ComObject*, uint, void>)&Unmap;
-            return table;
-        }
+        private static void** ContextTable() => ComTable(
+            (14, (IntPtr)(delegate* unmanaged<IntPtr, ComObject*, uint, int, uint, Mapped*, int>)&Map),
+            (15, (IntPtr)(delegate* unmanaged<IntPtr, ComObject*, uint, void>)&Unmap));
 
-        private static void** TextureTable()
-        {
-            void** table = ComTable(11);
-            table[10] = (delegate* unmanaged<ComObject*, uint*, void>)&GetTextureDescription;
-            return table;
-        }
+        private static void** TextureTable() =>
+            ComTable((10, (IntPtr)(delegate* unmanaged<ComObject*, uint*, void>)&GetTextureDescription));
 
-        private static void** ViewTable()
-        {
-            void** table = ComTable(9);
-            table[7] = (delegate* unmanaged<ComObject*, ComObject**, void>)&GetResource;
-            return table;
-        }
+        private static void** ViewTable() =>
+            ComTable((7, (IntPtr)(delegate* unmanaged<ComObject*, ComObject**, void>)&GetResource));
 
         private static ComObject* Create(void** table, ComObject* resource, uint width, uint height)
         {

@@ -2,6 +2,7 @@ using System;
 using System.Collections.Concurrent;
 using System.Collections.Generic;
 using System.IO;
+using System.Linq;
 using System.Runtime.InteropServices;
 using System.Threading;
 using System.Threading.Tasks;
@@ -22,20 +23,16 @@ namespace Zarvik.Orvella.LibraryTests
         internal static readonly List<string> Errors = new List<string>();
         internal static readonly List<Exception> HandlerExceptions = new List<Exception>();
 
-        internal static int RenderThreadId { get; private set; }
+        private static bool isStarted;
 
         /// <summary>Makes this thread the engine's main thread.</summary>
         internal static void Use()
         {
-            if (RenderThreadId == 0)
-            {
-                Start();
-            }
             SynchronizationContext.SetSynchronizationContext(Context);
-        }
-
-        private static void Start()
-        {
+            if (isStarted)
+            {
+                return;
+            }
             string path = Environment.GetEnvironmentVariable("ZARVIK_LIBRARY") ??
                 throw new InvalidOperationException("ZARVIK_LIBRARY must be the path of libZarvikOrvella.so.");
             IntPtr library = NativeLibrary.Load(Path.GetFullPath(path));
@@ -44,9 +41,7 @@ namespace Zarvik.Orvella.LibraryTests
             var load = (delegate* unmanaged<IntPtr, void>)NativeLibrary.GetExport(library, "UnityPluginLoad");
             load(Direct3D.Interfaces());
 
-            var thread = new Thread(RunRenderThread) { IsBackground = true, Name = "render" };
-            thread.Start();
-            RenderThreadId = thread.ManagedThreadId;
+            new Thread(RunRenderThread) { IsBackground = true, Name = "render" }.Start();
             UnityEngine.GL.PluginEvents = IssuePluginEvent;
             WebViewHost.Logged += (severity, line) =>
             {
@@ -56,22 +51,19 @@ namespace Zarvik.Orvella.LibraryTests
                 }
             };
             WebViewHost.HandlerFailed += HandlerExceptions.Add;
+            isStarted = true;
         }
 
         /// <summary>Queues a call of the library's render function.</summary>
-        internal static void IssuePluginEvent(IntPtr function, int id)
-        {
+        internal static void IssuePluginEvent(IntPtr function, int id) =>
             RenderTasks.Add(() => ((delegate* unmanaged<int, void>)function)(id));
-        }
 
         /// <summary>Waits until the render thread has done what was queued.</summary>
         internal static void FinishRendering()
         {
-            using (var done = new ManualResetEventSlim())
-            {
-                RenderTasks.Add(done.Set);
-                Assert.IsTrue(done.Wait(Patience), "the render thread stands still");
-            }
+            using var done = new ManualResetEventSlim();
+            RenderTasks.Add(done.Set);
+            Assert.IsTrue(done.Wait(Patience), "the render thread stands still");
         }
 
         /// <summary>One frame with the given offscreen browsers.</summary>
@@ -79,12 +71,9 @@ namespace Zarvik.Orvella.LibraryTests
         {
             WebViewHost.Pump();
             RunPosted();
-            foreach (Browser browser in browsers)
+            foreach (Browser browser in browsers.Where(browser => !browser.IsDisposed))
             {
-                if (!browser.IsDisposed)
-                {
-                    IssuePluginEvent(Browser.RenderFunction, browser.RenderEventId);
-                }
+                IssuePluginEvent(Browser.RenderFunction, browser.RenderEventId);
             }
         }
 
@@ -97,8 +86,8 @@ namespace Zarvik.Orvella.LibraryTests
 
         internal static T Await<T>(Task<T> task, params Browser[] browsers)
         {
-            WaitUntil(() => task.IsCompleted, "the task is not done", browsers);
-            return task.GetAwaiter().GetResult();
+            Await((Task)task, browsers);
+            return task.Result;
         }
 
         internal static void Await(Task task, params Browser[] browsers)
@@ -107,10 +96,8 @@ namespace Zarvik.Orvella.LibraryTests
             task.GetAwaiter().GetResult();
         }
 
-        internal static void WaitUntil(Func<bool> condition, string complaint, params Browser[] browsers)
-        {
+        internal static void WaitUntil(Func<bool> condition, string complaint, params Browser[] browsers) =>
             WaitUntil(condition, complaint, () => Frame(browsers));
-        }
 
         internal static void WaitUntil(Func<bool> condition, string complaint, Action frame)
         {

@@ -24,20 +24,11 @@ namespace Zarvik.Orvella.LibraryTests
 
         internal NameValueCollection LastHeaders { get; private set; }
 
-        public void Dispose()
-        {
-            listener.Close();
-        }
+        public void Dispose() => listener.Close();
 
-        internal string Url(string path)
-        {
-            return origin + path;
-        }
+        internal string Url(string path) => origin + path;
 
-        internal bool HasRequested(string path)
-        {
-            return requests.ContainsKey(path);
-        }
+        internal bool HasRequested(string path) => requests.ContainsKey(path);
 
         private static int FreePort()
         {
@@ -68,13 +59,10 @@ namespace Zarvik.Orvella.LibraryTests
                 {
                     case "/page":
                     case "/other":
-                        Answer(context, 200, "<!DOCTYPE html><title>" + path + "</title><body>" + path.Substring(1) + "</body>");
-                        break;
-                    case "/redirecting":
-                        context.Response.RedirectLocation = "/page";
-                        Answer(context, 302, "");
+                        Answer(context, 200, "<!DOCTYPE html><title>" + path + "</title>");
                         break;
                     case "/slow":
+                    case "/slower":
                         // Never answered: the request ends with the page or the server.
                         break;
                     default:

