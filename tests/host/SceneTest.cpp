@@ -30,58 +30,7 @@ Scenery sceneryOf(const std::vector<Size>& pages) {
     return scenery;
 }
 
-/// From in front of a shape that stands at the origin, straight ahead.
-Ray ahead(double x, double y) {
-    return {.origin = {x, y, 10}, .direction = {0, 0, -1}};
-}
-
 }  // namespace
-
-TEST(ShapeTest, ARayMeetsAPanelAtItsCornersAndNotBeyond) {
-    const auto panel = Shape::make(Shape::Kind::panel, {1600, 900});
-    const double left = -panel.width / 2;
-    const double bottom = panel.vertices[1].position.y;
-    const double top = bottom + panel.height;
-    EXPECT_NEAR(panel.width / panel.height, 1600.0 / 900, 1e-9);
-
-    struct Corner {
-        double x = 0;
-        double y = 0;
-        Point page;
-    };
-    for (const auto& [x, y, page] : {Corner{left, top, {0, 0}}, Corner{-left, top, {1, 0}},
-                                     Corner{left, bottom, {0, 1}}, Corner{-left, bottom, {1, 1}}}) {
-        const double inwards = 1 - 1e-6;
-        const auto hit = panel.firstHit(ahead(x * inwards, bottom + (y - bottom - 0.3) * inwards + 0.3));
-        ASSERT_TRUE(hit) << x << " " << y;
-        EXPECT_NEAR(hit->page.x, page.x, 1e-5);
-        EXPECT_NEAR(hit->page.y, page.y, 1e-5);
-        EXPECT_NEAR(hit->distance, 10, 1e-9);
-        EXPECT_TRUE(hit->front);
-        EXPECT_FALSE(panel.firstHit(ahead(x * (1 + 1e-6), y))) << x << " " << y;
-    }
-    EXPECT_FALSE(panel.firstHit({{0, 0.5, 10}, {0, 0, 1}})) << "behind the viewer";
-    EXPECT_FALSE(panel.firstHit({{0, 0.5, 10}, {1, 0, 0}})) << "along the panel";
-    const auto back = panel.firstHit({{0, 0.5, -10}, {0, 0, 1}});
-    ASSERT_TRUE(back);
-    EXPECT_FALSE(back->front);
-}
-
-TEST(ShapeTest, ACurvedSurfaceShowsThePageEvenlyAlongItsArc) {
-    const auto curved = Shape::make(Shape::Kind::curved, {1600, 900});
-    // The arc has the length of the page, its ends come towards the viewer.
-    constexpr double bend = 1.1;
-    const double radius = curved.width / bend;
-    for (const double part : {0.0, 0.2, 0.5, 0.83, 1.0}) {
-        const double angle = bend * (part - 0.5);
-        const double x = radius * std::sin(angle) * (1 - 1e-6);
-        const auto hit = curved.firstHit(ahead(x, 0.5));
-        ASSERT_TRUE(hit) << part;
-        EXPECT_NEAR(hit->page.x, part, 2e-3) << part;
-        EXPECT_NEAR(10 - hit->distance, radius * (1 - std::cos(angle)), 2e-3) << part;
-    }
-    EXPECT_FALSE(curved.firstHit(ahead(radius * std::sin(bend / 2) + 1e-3, 0.5)));
-}
 
 TEST(ShapeTest, EachSideOfABoxShowsThePageTheRightWayRound) {
     const auto box = Shape::make(Shape::Kind::box, {1600, 900});
@@ -94,18 +43,6 @@ TEST(ShapeTest, EachSideOfABoxShowsThePageTheRightWayRound) {
         EXPECT_NEAR(hit->page.x, 0.75, 1e-9);
     }
     EXPECT_EQ(box.placesOf({0.5, 0.5}).size(), 4U);
-}
-
-TEST(CameraTest, ProjectingAPointUndoesTheRayThroughIt) {
-    const Camera camera{.yaw = 33, .pitch = 12, .distance = 5, .target = {0.2, 0.6, -0.1}};
-    for (const Point point : {Point{500, 350}, Point{3, 4}, Point{990, 21}}) {
-        const auto [origin, direction] = camera.rayThrough(point, window);
-        const auto back = camera.project(origin + direction * 7, window);
-        ASSERT_TRUE(back);
-        EXPECT_NEAR(back->x, point.x, 1e-9);
-        EXPECT_NEAR(back->y, point.y, 1e-9);
-        EXPECT_FALSE(camera.project(origin - direction * 7, window)) << "behind the camera";
-    }
 }
 
 TEST(CameraTest, StaysAboveTheFloorAndWithinItsLimits) {
