@@ -15,6 +15,9 @@ target_link_libraries(
     INTERFACE "${ZARVIK_WINDOWS}/sdk/cpp.${sdk_architecture}/um/${sdk_architecture}/WindowsApp.lib"
 )
 
+# A DLL is loaded under a system lock, so our sources leave nothing to be done then.
+add_compile_options(-Werror=global-constructors)
+
 # A Windows DLL carries its plain name.
 set(CMAKE_SHARED_LIBRARY_PREFIX "")
 
