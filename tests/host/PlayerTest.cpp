@@ -115,24 +115,6 @@ TEST_F(PlayerTest, AScriptUsesAPageThroughTheScene) {
     EXPECT_EQ(colourAt({400, 100}), (Image::Pixel{200, 60, 30, 255}));
 }
 
-TEST_F(PlayerTest, PagesOnEverySurfaceAreUsed) {
-    std::string script;
-    for (int view = 1; view <= 3; ++view) {
-        script += "open " + server.url("/") + "\nwait load\n";
-    }
-    for (const std::string view : {"3", "1", "2"}) {
-        script += "view " + view + "\nclick button\nclick input\ntype " + view + "\n";
-    }
-    for (const std::string view : {"1", "2", "3"}) {
-        script += "view " + view + "\nprint '" + view + " ' + state()\n";
-    }
-    const auto result = play(script);
-    ASSERT_EQ(result.exitCode, 0) << result.output;
-    for (const std::string view : {"1", "2", "3"}) {
-        EXPECT_TRUE(says(result, view + " state 1 0 0 false " + view + " 0 0 1280x720")) << result.output;
-    }
-}
-
 TEST_F(PlayerTest, ARecordingPlaysToTheSameState) {
     server.page("/next", "<title>Next</title><script>var state = () => 'never'</script>");
     const auto recording = folder / "recording.script";
