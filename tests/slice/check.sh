@@ -46,8 +46,8 @@ if ! accepts "${allowed[@]}"; then
 fi
 
 # All at once, since a compilation takes long and the compiler goes on after an error. A snippet is refused if an
-# error, or the place that an error in a header stems from, lies in its lines. Where
-# one error hides another, their snippets have to stand further apart.
+# error, or the place that an error in a header stems from, lies in its lines. Where one error hides another, their
+# snippets have to stand further apart.
 ! accepts "${refused[@]}" || fail "nothing is refused"
 without_error() {
     awk -v wanted="${refused[*]}" '
