@@ -50,14 +50,14 @@ async function withServer(work) {
     }
 }
 
-/** What the program printed while it played a scenario, with the plug-in as it is or changed. */
-function play(scenario, change = (dll) => dll) {
+/** What the program printed while it played a scenario. */
+function play(scenario) {
     return withFolder((folder) => {
         symlinkSync(`${program}/app.exe`, `${folder}/app.exe`);
         for (const name of namespaces)
             symlinkSync(`${program}/Windows.dll`, `${folder}/Windows${name && "."}${name}.dll`);
-        symlinkSync(built("x64", "ZarvikWebViewRuntimeComponent.dll"), `${folder}/ZarvikWebViewRuntimeComponent.dll`);
-        writeFileSync(`${folder}/ZarvikOrvella.dll`, change(readFileSync(built("x64", "ZarvikOrvella.dll"))));
+        for (const name of ["ZarvikOrvella.dll", "ZarvikWebViewRuntimeComponent.dll"])
+            symlinkSync(built("x64", name), `${folder}/${name}`);
         const environment = {
             DISPLAY: screen.display,
             // Wine's own classes of these names do nothing yet.
@@ -68,19 +68,10 @@ function play(scenario, change = (dll) => dll) {
     });
 }
 
-/** A change that puts one text in place of another of the same length. */
-const replacing = (from, to) => (dll) => {
-    const at = dll.indexOf(from);
-    assert.ok(at >= 0 && from.length === to.length, from);
-    dll.write(to, at);
-    return dll;
-};
-
 const expected = readFileSync(`${sources}/scenario.txt`, "utf8");
 
 test("the engine hears the same as on Linux", () => {
     assert.equal(play("scenario"), expected);
-    assert.notEqual(play("scenario", replacing("Page load failed", "Page load fooled")), expected);
 });
 
 test("Linux says what is expected", { skip: !existsSync(linuxLibrary) && "the Linux build is not there" }, () =>

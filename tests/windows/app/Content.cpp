@@ -41,16 +41,16 @@ std::wstring pathIn(const std::wstring& uri) {
 }
 
 foundation::WwwFormUrlDecoder queryIn(const std::wstring& uri) {
-    using I = foundation::IWwwFormUrlDecoderRuntimeClass;
-    return make<I>(L"Windows.Foundation.WwwFormUrlDecoder")
-        .on<&Methods<I>::GetFirstValueByName>([uri](const hstring& name) {
-            const auto marked = L"?" + std::wstring(name) + L"=";
-            const auto start = uri.find(marked);
-            if (start == std::wstring::npos) {
-                throw winrt::hresult_invalid_argument();
-            }
-            return unescape(hstring(uri.substr(start + marked.size())));
-        });
+    return make(L"Windows.Foundation.WwwFormUrlDecoder")
+        .on<METHOD(foundation::IWwwFormUrlDecoderRuntimeClass, GetFirstValueByName)>(
+            [uri](const hstring& name) {
+                const auto marked = L"?" + std::wstring(name) + L"=";
+                const auto start = uri.find(marked);
+                if (start == std::wstring::npos) {
+                    throw winrt::hresult_invalid_argument();
+                }
+                return unescape(hstring(uri.substr(start + marked.size())));
+            });
 }
 
 foundation::IAsyncOperationWithProgress<std::uint32_t, std::uint32_t> written(std::uint32_t length) {
@@ -59,47 +59,39 @@ foundation::IAsyncOperationWithProgress<std::uint32_t, std::uint32_t> written(st
 }
 
 streams::IRandomAccessStream streamOver(std::shared_ptr<Bytes> bytes) {
-    using I = streams::IRandomAccessStream;
-    using Output = streams::IOutputStream;
-    return make<I>(L"Windows.Storage.Streams.InMemoryRandomAccessStream")
-        .on<&Methods<I>::get_Size>([bytes] { return bytes->size(); })
-        .on<&Methods<I>::GetInputStreamAt>(
+    return make(L"Windows.Storage.Streams.InMemoryRandomAccessStream")
+        .on<METHOD(streams::IRandomAccessStream, get_Size)>([bytes] { return bytes->size(); })
+        .on<METHOD(streams::IRandomAccessStream, GetInputStreamAt)>(
             [bytes](std::uint64_t) { return streams::IInputStream(streamOver(bytes)); })
         .holding(bytes)
-        .as<streams::IInputStream>()
-        .as<Output>()
-        .on<&Methods<Output>::WriteAsync>([bytes](const streams::IBuffer& buffer) {
+        .also<streams::IInputStream>()
+        .on<METHOD(streams::IOutputStream, WriteAsync)>([bytes](const streams::IBuffer& buffer) {
             *bytes = behind<Bytes>(buffer);
             return written(static_cast<std::uint32_t>(bytes->size()));
         });
 }
 
 streams::DataReader readerOf(const streams::IInputStream& stream) {
-    using I = streams::IDataReader;
-    return make<I>(L"Windows.Storage.Streams.DataReader")
-        .on<&Methods<I>::LoadAsync>(
+    return make(L"Windows.Storage.Streams.DataReader")
+        .on<METHOD(streams::IDataReader, LoadAsync)>(
             [](std::uint32_t size) { return operation<std::uint32_t>([size] { return size; }); })
-        .on<&Methods<I>::ReadBytes>([stream](std::uint32_t size, std::uint8_t* bytes) {
+        .on<METHOD(streams::IDataReader, ReadBytes)>([stream](std::uint32_t size, std::uint8_t* bytes) {
             std::ranges::copy_n(contentOf(stream).begin(), size, bytes);
         });
 }
 
 storage::StorageFile fileAt(const std::wstring& first) {
-    using I = storage::IStorageFile;
-    using Item = Methods<storage::IStorageItem>;
     const auto path = std::make_shared<std::wstring>(first);
-    return make<I>(L"Windows.Storage.StorageFile")
-        .on<&Methods<I>::OpenAsync>([path](std::int32_t) {
+    return make(L"Windows.Storage.StorageFile")
+        .on<METHOD(storage::IStorageFile, OpenAsync)>([path](std::int32_t) {
             return operation<streams::IRandomAccessStream>(
                 [content = world()->files.at(*path)] { return streamOf({content.begin(), content.end()}); });
         })
-        .as<storage::IStorageItem>()
-        .on<&Item::get_Path>([path] { return hstring(*path); })
-        .on<&Item::RenameAsync>([path](const hstring& name, std::int32_t) {
+        .on<METHOD(storage::IStorageItem, get_Path)>([path] { return hstring(*path); })
+        .on<METHOD(storage::IStorageItem, RenameAsync)>([path](const hstring& name, std::int32_t) {
             return action([path, name = std::wstring(name)] { *path = L"C:\\temporary\\" + name; });
         })
-        .on<&Item::DeleteAsyncOverloadDefaultOptions>(
-            [path] { return action([path] { world()->note(L"deleted: " + *path); }); });
+        .on<METHOD(storage::IStorageItem, DeleteAsyncOverloadDefaultOptions)>([] { return action([] {}); });
 }
 
 auto getFile(const hstring& path) {
@@ -112,17 +104,16 @@ auto getFile(const hstring& path) {
 }
 
 storage::StorageFolder temporaryFolder() {
-    using I = storage::IStorageFolder;
-    return make<I>(L"Windows.Storage.StorageFolder")
-        .on<&Methods<I>::CreateFileAsync>([](const hstring& name, std::int32_t) {
+    return make(L"Windows.Storage.StorageFolder")
+        .on<METHOD(storage::IStorageFolder, CreateFileAsync)>([](const hstring& name, std::int32_t) {
             return operation<storage::StorageFile>(
                 [name = std::wstring(name)] { return fileAt(L"C:\\temporary\\" + name); });
         });
 }
 
 storage::ApplicationData applicationData() {
-    using I = storage::IApplicationData;
-    return make<I>(L"Windows.Storage.ApplicationData").on<&Methods<I>::get_TemporaryFolder>(temporaryFolder);
+    return make(L"Windows.Storage.ApplicationData")
+        .on<METHOD(storage::IApplicationData, get_TemporaryFolder)>(temporaryFolder);
 }
 
 foundation::IAsyncOperationWithProgress<DownloadOperation, DownloadOperation> transfer(bool succeeds) {
@@ -134,31 +125,26 @@ foundation::IAsyncOperationWithProgress<DownloadOperation, DownloadOperation> tr
 }
 
 DownloadOperation downloadOf(const foundation::Uri& uri, void*) {
-    using I = IDownloadOperation;
-    using Transfer = IBackgroundTransferOperation;
-    using Response = IResponseInformation;
     const bool succeeds = world()->files.contains(textOf(uri));
-    return make<I>(L"Windows.Networking.BackgroundTransfer.DownloadOperation")
-        .on<&Methods<I>::StartAsync>([succeeds] { return transfer(succeeds); })
-        .as<Transfer>()
-        .on<&Methods<Transfer>::GetResponseInformation>([succeeds]() -> ResponseInformation {
-            return make<Response>(L"Windows.Networking.BackgroundTransfer.ResponseInformation")
-                .constant<&Methods<Response>::get_StatusCode>(succeeds ? 200U : 404U);
-        });
+    return make(L"Windows.Networking.BackgroundTransfer.DownloadOperation")
+        .on<METHOD(IDownloadOperation, StartAsync)>([succeeds] { return transfer(succeeds); })
+        .on<METHOD(IBackgroundTransferOperation, GetResponseInformation)>(
+            [succeeds]() -> ResponseInformation {
+                return make(L"Windows.Networking.BackgroundTransfer.ResponseInformation")
+                    .constant<METHOD(IResponseInformation, get_StatusCode)>(succeeds ? 200U : 404U);
+            });
 }
 
 BackgroundDownloader downloader() {
-    using I = IBackgroundDownloader;
-    return make<I>(L"Windows.Networking.BackgroundTransfer.BackgroundDownloader")
-        .on<&Methods<I>::CreateDownload>(downloadOf);
+    return make(L"Windows.Networking.BackgroundTransfer.BackgroundDownloader")
+        .on<METHOD(IBackgroundDownloader, CreateDownload)>(downloadOf);
 }
 
 /// A hash is the end of the data, as long as one of MD5.
 Core::HashAlgorithmProvider hashing(const hstring& name) {
-    using I = Core::IHashAlgorithmProvider;
     check(name == L"MD5", "another algorithm was asked for");
-    return make<I>(L"Windows.Security.Cryptography.Core.HashAlgorithmProvider")
-        .on<&Methods<I>::HashData>([](const streams::IBuffer& data) {
+    return make(L"Windows.Security.Cryptography.Core.HashAlgorithmProvider")
+        .on<METHOD(Core::IHashAlgorithmProvider, HashData)>([](const streams::IBuffer& data) {
             Bytes hash = behind<Bytes>(data);
             hash.erase(hash.begin(), hash.end() - 16);
             return bufferOf(hash);
@@ -182,16 +168,15 @@ streams::IBuffer utf8(const hstring& text, std::int32_t) {
 
 /// Text is cut at its marks and nothing else: tests use URIs in their normal form.
 foundation::Uri uriOf(const std::wstring& text) {
-    using M = Methods<foundation::IUriRuntimeClass>;
     const auto colon = text.find(L':');
     if (colon == std::wstring::npos) {
         throw winrt::hresult_invalid_argument();
     }
-    return make<foundation::IUriRuntimeClass>(L"Windows.Foundation.Uri")
-        .constant<&M::get_AbsoluteUri>(hstring(text))
-        .constant<&M::get_SchemeName>(hstring(text.substr(0, colon)))
-        .constant<&M::get_Path>(hstring(pathIn(text)))
-        .on<&M::get_QueryParsed>([text] { return queryIn(text); })
+    return make(L"Windows.Foundation.Uri")
+        .constant<METHOD(foundation::IUriRuntimeClass, get_AbsoluteUri)>(hstring(text))
+        .constant<METHOD(foundation::IUriRuntimeClass, get_SchemeName)>(hstring(text.substr(0, colon)))
+        .constant<METHOD(foundation::IUriRuntimeClass, get_Path)>(hstring(pathIn(text)))
+        .on<METHOD(foundation::IUriRuntimeClass, get_QueryParsed)>([text] { return queryIn(text); })
         .holding(std::make_shared<std::wstring>(text));
 }
 
@@ -200,14 +185,11 @@ std::wstring textOf(const foundation::Uri& uri) {
 }
 
 streams::IBuffer bufferOf(Bytes content) {
-    using I = streams::IBuffer;
-    using Access = winrt::impl::IBufferByteAccess;
     const auto bytes = std::make_shared<Bytes>(std::move(content));
-    return make<I>(L"Windows.Storage.Streams.Buffer")
-        .on<&Methods<I>::get_Length>([bytes] { return bytes->size(); })
+    return make(L"Windows.Storage.Streams.Buffer")
+        .on<METHOD(streams::IBuffer, get_Length)>([bytes] { return bytes->size(); })
         .holding(bytes)
-        .as<Access>()
-        .on<&Access::Buffer>([bytes] { return bytes->data(); });
+        .on<METHOD(winrt::impl::IBufferByteAccess, Buffer)>([bytes] { return bytes->data(); });
 }
 
 streams::IRandomAccessStream streamOf(Bytes bytes) {
@@ -219,39 +201,28 @@ Bytes& contentOf(const streams::IInputStream& stream) {
 }
 
 Factories content() {
-    using Uris = foundation::IUriRuntimeClassFactory;
-    using Escapes = foundation::IUriEscapeStatics;
-    using Buffers = ICryptographicBufferStatics;
-    using HashNames = Core::IHashAlgorithmNamesStatics;
-    using Hashes = Core::IHashAlgorithmProviderStatics;
-    using Applications = storage::IApplicationDataStatics;
-    using Files = storage::IStorageFileStatics;
-    using Readers = streams::IDataReaderFactory;
     return {
         {L"Windows.Foundation.Uri",
-         [] {
-             return make<Uris>(L"factory")
-                 .on<&Methods<Uris>::CreateUri>([](const hstring& text) { return uriOf(std::wstring(text)); })
-                 .as<Escapes>()
-                 .on<&Methods<Escapes>::UnescapeComponent>(unescape)
-                 .on<&Methods<Escapes>::EscapeComponent>(escape);
-         }},
+         make(L"factory")
+             .on<METHOD(foundation::IUriRuntimeClassFactory, CreateUri)>(
+                 [](const hstring& text) { return uriOf(std::wstring(text)); })
+             .on<METHOD(foundation::IUriEscapeStatics, UnescapeComponent)>(unescape)
+             .on<METHOD(foundation::IUriEscapeStatics, EscapeComponent)>(escape)},
         {L"Windows.Networking.BackgroundTransfer.BackgroundDownloader", activating(downloader)},
         {L"Windows.Security.Cryptography.CryptographicBuffer",
-         [] {
-             return make<Buffers>(L"factory")
-                 .on<&Methods<Buffers>::ConvertStringToBinary>(utf8)
-                 .on<&Methods<Buffers>::EncodeToHexString>(hexadecimal);
-         }},
+         make(L"factory")
+             .on<METHOD(ICryptographicBufferStatics, ConvertStringToBinary)>(utf8)
+             .on<METHOD(ICryptographicBufferStatics, EncodeToHexString)>(hexadecimal)},
         {L"Windows.Security.Cryptography.Core.HashAlgorithmNames",
-         answering<HashNames, &Methods<HashNames>::get_Md5>([] { return hstring(L"MD5"); })},
+         answering<METHOD(Core::IHashAlgorithmNamesStatics, get_Md5)>([] { return hstring(L"MD5"); })},
         {L"Windows.Security.Cryptography.Core.HashAlgorithmProvider",
-         answering<Hashes, &Methods<Hashes>::OpenAlgorithm>(hashing)},
+         answering<METHOD(Core::IHashAlgorithmProviderStatics, OpenAlgorithm)>(hashing)},
         {L"Windows.Storage.ApplicationData",
-         answering<Applications, &Methods<Applications>::get_Current>(applicationData)},
-        {L"Windows.Storage.StorageFile", answering<Files, &Methods<Files>::GetFileFromPathAsync>(getFile)},
+         answering<METHOD(storage::IApplicationDataStatics, get_Current)>(applicationData)},
+        {L"Windows.Storage.StorageFile",
+         answering<METHOD(storage::IStorageFileStatics, GetFileFromPathAsync)>(getFile)},
         {L"Windows.Storage.Streams.DataReader",
-         answering<Readers, &Methods<Readers>::CreateDataReader>(readerOf)},
+         answering<METHOD(streams::IDataReaderFactory, CreateDataReader)>(readerOf)},
         {L"Windows.Storage.Streams.InMemoryRandomAccessStream", activating([] { return streamOf({}); })},
     };
 }

@@ -13,47 +13,29 @@ void* getInterface(std::uint64_t high, std::uint64_t low) {
     return known && offeredDevice ? &graphics : nullptr;
 }
 
-/// Gives one object a virtual table of its own with another function in a slot; returns what was there.
-template <typename Pointer, typename Function>
-Function replace(void* object, Pointer method, Function function) {
+/// A method that fails with a code as long as there is one.
+template <auto fault, typename Object, typename... Arguments>
+struct Faulty {
+    static inline HRESULT(__stdcall* real)(Object*, Arguments...) = nullptr;
+
+    static HRESULT __stdcall call(Object* object, Arguments... arguments) {
+        const HRESULT code = Engine::faults.*fault;
+        return FAILED(code) ? code : real(object, arguments...);
+    }
+};
+
+/// Gives one object a virtual table of its own, in which the method is a faulty one.
+template <auto fault, typename Object, typename... Arguments>
+void makeFaulty(Object* object, HRESULT (__stdcall Object::*method)(Arguments...)) {
+    using Method = Faulty<fault, Object, Arguments...>;
     constexpr std::size_t most = 160;  // more than any interface here has
-    auto**& slots = *static_cast<void***>(object);
+    auto**& slots = *reinterpret_cast<void***>(object);
     auto** const copy = new void*[most];
     std::memcpy(copy, slots, most * sizeof(void*));
-    const auto before = reinterpret_cast<Function>(copy[app::slotOf(method)]);
-    copy[app::slotOf(method)] = reinterpret_cast<void*>(function);
+    auto*& slot = copy[app::slotOf(method)];
+    Method::real = reinterpret_cast<decltype(Method::real)>(slot);
+    slot = reinterpret_cast<void*>(Method::call);
     slots = copy;
-    return before;
-}
-
-using Map = HRESULT(__stdcall*)(ID3D11DeviceContext*, ID3D11Resource*, UINT, D3D11_MAP, UINT,
-                                D3D11_MAPPED_SUBRESOURCE*);
-using CreateTexture = HRESULT(__stdcall*)(ID3D11Device*, const D3D11_TEXTURE2D_DESC*,
-                                          const D3D11_SUBRESOURCE_DATA*, ID3D11Texture2D**);
-using CreateView = HRESULT(__stdcall*)(ID3D11Device*, ID3D11Resource*, const D3D11_SHADER_RESOURCE_VIEW_DESC*,
-                                       ID3D11ShaderResourceView**);
-
-Map realMap;
-CreateTexture realCreateTexture;
-CreateView realCreateView;
-
-HRESULT __stdcall map(ID3D11DeviceContext* context, ID3D11Resource* resource, UINT index, D3D11_MAP kind,
-                      UINT flags, D3D11_MAPPED_SUBRESOURCE* mapped) {
-    const bool fails = kind == D3D11_MAP_WRITE_DISCARD && FAILED(Engine::faults.map);
-    return fails ? Engine::faults.map : realMap(context, resource, index, kind, flags, mapped);
-}
-
-HRESULT __stdcall createTexture(ID3D11Device* device, const D3D11_TEXTURE2D_DESC* description,
-                                const D3D11_SUBRESOURCE_DATA* data, ID3D11Texture2D** texture) {
-    const bool fails = description->Usage == D3D11_USAGE_DYNAMIC && FAILED(Engine::faults.createTexture);
-    return fails ? Engine::faults.createTexture : realCreateTexture(device, description, data, texture);
-}
-
-HRESULT __stdcall createView(ID3D11Device* device, ID3D11Resource* resource,
-                             const D3D11_SHADER_RESOURCE_VIEW_DESC* description,
-                             ID3D11ShaderResourceView** view) {
-    return FAILED(Engine::faults.createView) ? Engine::faults.createView
-                                             : realCreateView(device, resource, description, view);
 }
 
 }  // namespace
@@ -71,9 +53,9 @@ Engine::Engine(const wchar_t* library) {
 
     winrt::check_hresult(D3D11CreateDevice(nullptr, D3D_DRIVER_TYPE_HARDWARE, nullptr, 0, nullptr, 0,
                                            D3D11_SDK_VERSION, d3dDevice.put(), nullptr, context.put()));
-    realMap = replace(context.get(), &ID3D11DeviceContext::Map, map);
-    realCreateTexture = replace(d3dDevice.get(), &ID3D11Device::CreateTexture2D, createTexture);
-    realCreateView = replace(d3dDevice.get(), &ID3D11Device::CreateShaderResourceView, createView);
+    makeFaulty<&DeviceFaults::map>(context.get(), &ID3D11DeviceContext::Map);
+    makeFaulty<&DeviceFaults::createTexture>(d3dDevice.get(), &ID3D11Device::CreateTexture2D);
+    makeFaulty<&DeviceFaults::createView>(d3dDevice.get(), &ID3D11Device::CreateShaderResourceView);
 
     calls = &connectRecorder(exports);
     static IUnityInterfaces interfaces{nullptr, nullptr, getInterface, nullptr};

@@ -129,8 +129,6 @@ void suffer(Engine& engine, const std::string& what, const std::function<void()>
 /// The dispatcher takes no work for a while, as when the app is suspended, and a picture fails meanwhile.
 void pauseOfTheDispatcher(Engine& engine) {
     app::beginStep("the dispatcher pauses");
-    using Dispatcher = winrt::Windows::UI::Core::ICoreDispatcher;
-    using RenderTarget = xaml::Media::Imaging::IRenderTargetBitmap;
     const auto& plugin = engine.plugin();
     const auto begin = [&] {
         auto session = std::make_unique<Session>(engine, 30, 20);
@@ -138,9 +136,10 @@ void pauseOfTheDispatcher(Engine& engine) {
         check(session->shows(30, 20), "before the pause");
         const auto from = engine.recorder().position();
         const auto now = world();
-        now->behaviours[app::methodOf<Dispatcher, &app::Methods<Dispatcher>::RunAsync>()] = {E_FAIL};
-        now->behaviours[app::methodOf<RenderTarget, &app::Methods<RenderTarget>::RenderToSizeAsync>()] = {
+        now->behaviours[app::methodOf<METHOD(winrt::Windows::UI::Core::ICoreDispatcher, RunAsync)>()] = {
             E_FAIL};
+        now->behaviours[app::methodOf<METHOD(xaml::Media::Imaging::IRenderTargetBitmap,
+                                             RenderToSizeAsync)>()] = {E_FAIL};
         return std::pair(std::move(session), from);
     };
     const auto logged = [&](const std::string& text, std::size_t from) {
@@ -192,8 +191,7 @@ void playFaults(Engine& engine) {
     suffer(engine, "nothing", [] {}, true);
     auto methods = world()->methods;
     // The plug-in's library takes a buffer's memory without asking whether there is any.
-    using Access = winrt::impl::IBufferByteAccess;
-    methods.erase(app::methodOf<Access, &Access::Buffer>());
+    methods.erase(app::methodOf<METHOD(winrt::impl::IBufferByteAccess, Buffer)>());
     const auto classes = world()->classes;
     const auto operations =
         std::ranges::count_if(methods, [](const auto& method) { return method.second.startsOperation; });
@@ -203,8 +201,7 @@ void playFaults(Engine& engine) {
                             bool silent = false) {
         suffer(engine, what, [&] { world()->behaviours[method] = behaviour; }, silent);
     };
-    const auto invoke =
-        app::methodOf<controls::IWebView2, &app::Methods<controls::IWebView2>::InvokeScriptAsync>();
+    const auto invoke = app::methodOf<METHOD(controls::IWebView2, InvokeScriptAsync)>();
     for (const HRESULT code : codes) {
         behave("scripts fail with " + std::to_string(code), invoke, {code});
         behave("scripts end with " + std::to_string(code), invoke, {S_OK, code});

@@ -1,5 +1,6 @@
 #include "Object.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <mutex>
 
@@ -66,6 +67,11 @@ void* Object::query(const winrt::guid& interfaceId) {
         }
     }
     return nullptr;
+}
+
+Face& Object::face(const winrt::guid& interfaceId) {
+    const auto found = std::ranges::find(faces, interfaceId, &Face::interfaceId);
+    return found != faces.end() ? *found : faces.emplace_back(*this, interfaceId);
 }
 
 std::uint32_t Object::Release() {

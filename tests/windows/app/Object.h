@@ -71,7 +71,8 @@ class Object {
 
     /// The interface, with a reference of its own, or null.
     void* query(const winrt::guid& interfaceId);
-    Face& add(const winrt::guid& interfaceId) { return faces.emplace_back(*this, interfaceId); }
+    /// An interface that it has from now on.
+    Face& face(const winrt::guid& interfaceId);
     const wchar_t* name() const { return className; }
     /// Not agile, so that nobody keeps it beyond one use.
     void forbidKeeping() { mayBeKept = false; }
@@ -133,38 +134,42 @@ Projection project(Object& object) {
             winrt::take_ownership_from_abi};
 }
 
-/// An object in the making, as one of its interfaces. It becomes whatever projection is wanted of it.
-template <typename Interface>
-class As {
-  public:
-    explicit As(winrt::com_ptr<Object> made)
-        : object(std::move(made)), face(object->add(winrt::guid_of<Interface>())) {}
+/// A method of an interface, as two arguments of a template.
+#define METHOD(interface, name) interface, &app::Methods<interface>::name
 
-    /// Goes on with another interface.
-    template <typename Other>
-    As<Other> as() const {
-        return As<Other>(object);
+/// An object in the making. It becomes whatever projection is wanted of it.
+class Making {
+  public:
+    Making(const wchar_t* className, Object::Threads threads) {
+        object.copy_from(new Object(className, threads));
+    }
+
+    /// Has an interface even if none of its methods is answered.
+    template <typename Interface>
+    const Making& also() const {
+        object->face(winrt::guid_of<Interface>());
+        return *this;
     }
 
     /// Lets a function answer a method. It gets the first arguments; its result goes to the last one.
-    template <auto method, typename Answer>
-    const As& on(Answer answer) const {
-        return bind<method>(std::function(std::move(answer)), method);
+    template <typename Interface, auto method, typename Answer>
+    const Making& on(Answer answer) const {
+        return bind<Interface, method>(std::function(std::move(answer)), method);
     }
 
-    template <auto method, typename Value>
-    const As& constant(Value value) const {
-        return on<method>([value] { return value; });
+    template <typename Interface, auto method, typename Value>
+    const Making& constant(Value value) const {
+        return on<Interface, method>([value] { return value; });
     }
 
-    template <auto get, auto put, typename Value>
-    const As& property(Value initial) const {
+    template <typename Interface, auto get, typename, auto put, typename Value>
+    const Making& property(Value initial) const {
         const auto value = std::make_shared<Value>(std::move(initial));
-        on<get>([value] { return *value; });
-        return on<put>([value](const Value& changed) { *value = changed; });
+        on<Interface, get>([value] { return *value; });
+        return on<Interface, put>([value](const Value& changed) { *value = changed; });
     }
 
-    const As& holding(std::shared_ptr<void> state) const {
+    const Making& holding(std::shared_ptr<void> state) const {
         object->state = std::move(state);
         return *this;
     }
@@ -179,11 +184,12 @@ class As {
     }
 
   private:
-    template <auto method, typename Result, typename... Parameters, typename... Arguments>
-    const As& bind(std::function<Result(Parameters...)> answer,
-                   std::int32_t (__stdcall Methods<Interface>::*)(Arguments...) noexcept) const {
+    template <typename Interface, auto method, typename Result, typename... Parameters, typename... Arguments>
+    const Making& bind(std::function<Result(Parameters...)> answer,
+                       std::int32_t (__stdcall Methods<Interface>::*)(Arguments...) noexcept) const {
         using Answer = decltype(answer);
         const std::size_t slot = slotOf(method);
+        Face& face = object->face(winrt::guid_of<Interface>());
         face.answers[slot] = std::make_shared<Answer>(std::move(answer));
         face.slots.at(slot) =
             reinterpret_cast<void*>(+[](Face* self, Arguments... arguments) noexcept -> std::int32_t {
@@ -212,15 +218,10 @@ class As {
     }
 
     winrt::com_ptr<Object> object;
-    Face& face;
 };
 
-/// A new object, whose first interface this is.
-template <typename Interface>
-As<Interface> make(const wchar_t* className, Object::Threads threads = Object::Threads::any) {
-    winrt::com_ptr<Object> made;
-    made.copy_from(new Object(className, threads));
-    return As<Interface>(std::move(made));
+inline Making make(const wchar_t* className, Object::Threads threads = Object::Threads::any) {
+    return {className, threads};
 }
 
 /// What the object behind a projection holds.
@@ -229,21 +230,19 @@ State& behind(const Projection& projection) {
     return *static_cast<State*>(static_cast<Face*>(winrt::get_abi(projection))->object.state.get());
 }
 
-/// How to make what a class is activated with: a factory or its static side.
-using MakeFactory = std::function<winrt::com_ptr<Object>()>;
-using Factories = std::map<std::wstring, MakeFactory>;
+/// What a class is activated with, by its name: a factory or its static side.
+using Factories = std::map<std::wstring, Making>;
 
 /// A factory with one method.
 template <typename Interface, auto method, typename Answer>
-MakeFactory answering(Answer answer) {
-    return [answer] { return make<Interface>(L"factory").template on<method>(answer); };
+Making answering(Answer answer) {
+    return make(L"factory").on<Interface, method>(answer);
 }
 
 /// A factory of objects that need no arguments.
 template <typename Make>
-MakeFactory activating(Make makeObject) {
-    using I = foundation::IActivationFactory;
-    return answering<I, &Methods<I>::ActivateInstance>(
+Making activating(Make makeObject) {
+    return answering<METHOD(foundation::IActivationFactory, ActivateInstance)>(
         [makeObject]() -> foundation::IInspectable { return makeObject(); });
 }
 

@@ -18,21 +18,20 @@ Picture pictureIn(const Bytes& file) {
 }
 
 imaging::PixelDataProvider pixelsOf(const Picture& picture) {
-    using I = imaging::IPixelDataProvider;
-    return make<I>(L"Windows.Graphics.Imaging.PixelDataProvider")
-        .on<&Methods<I>::DetachPixelData>([picture](std::uint32_t* size, std::uint8_t** bytes) {
-            winrt::com_array<std::uint8_t> all(picture.pixels());
-            std::tie(*size, *bytes) = winrt::detach_abi(all);
-        });
+    return make(L"Windows.Graphics.Imaging.PixelDataProvider")
+        .on<METHOD(imaging::IPixelDataProvider, DetachPixelData)>(
+            [picture](std::uint32_t* size, std::uint8_t** bytes) {
+                winrt::com_array<std::uint8_t> all(picture.pixels());
+                std::tie(*size, *bytes) = winrt::detach_abi(all);
+            });
 }
 
 imaging::BitmapDecoder decoderOf(const Picture& picture) {
-    using I = imaging::IBitmapFrame;
-    return make<imaging::IBitmapDecoder>(L"Windows.Graphics.Imaging.BitmapDecoder")
-        .as<I>()
-        .constant<&Methods<I>::get_PixelWidth>(picture.width)
-        .constant<&Methods<I>::get_PixelHeight>(picture.height)
-        .on<&Methods<I>::GetPixelDataTransformedAsync>(
+    return make(L"Windows.Graphics.Imaging.BitmapDecoder")
+        .also<imaging::IBitmapDecoder>()
+        .constant<METHOD(imaging::IBitmapFrame, get_PixelWidth)>(picture.width)
+        .constant<METHOD(imaging::IBitmapFrame, get_PixelHeight)>(picture.height)
+        .on<METHOD(imaging::IBitmapFrame, GetPixelDataTransformedAsync)>(
             [picture](imaging::BitmapPixelFormat format, imaging::BitmapAlphaMode alpha) {
                 check(format == imaging::BitmapPixelFormat::Bgra8 &&
                           alpha == imaging::BitmapAlphaMode::Premultiplied,
@@ -50,16 +49,15 @@ constexpr winrt::guid png{0x27949969, 0x876A, 0x41D7, {0x94, 0x47, 0x56, 0x8F, 0
 
 /// Its files are the bare pixels.
 imaging::BitmapEncoder encoderInto(const streams::IRandomAccessStream& stream) {
-    using I = imaging::IBitmapEncoder;
     const auto pixels = std::make_shared<Bytes>();
-    return make<I>(L"Windows.Graphics.Imaging.BitmapEncoder")
-        .on<&Methods<I>::SetPixelData>([pixels](std::int32_t, std::int32_t, std::uint32_t width,
-                                                std::uint32_t height, double, double, std::uint32_t size,
-                                                std::uint8_t* bytes) {
-            check(size == width * height * 4, "the encoder's pixels have another size");
-            pixels->assign(bytes, bytes + size);
-        })
-        .on<&Methods<I>::FlushAsync>(
+    return make(L"Windows.Graphics.Imaging.BitmapEncoder")
+        .on<METHOD(imaging::IBitmapEncoder, SetPixelData)>(
+            [pixels](std::int32_t, std::int32_t, std::uint32_t width, std::uint32_t height, double, double,
+                     std::uint32_t size, std::uint8_t* bytes) {
+                check(size == width * height * 4, "the encoder's pixels have another size");
+                pixels->assign(bytes, bytes + size);
+            })
+        .on<METHOD(imaging::IBitmapEncoder, FlushAsync)>(
             [stream, pixels] { return action([=] { behind<Bytes>(stream) = *pixels; }); });
 }
 
@@ -69,27 +67,27 @@ auto encode(winrt::guid id, const streams::IRandomAccessStream& stream) {
 }
 
 foundation::IInspectable transform() {
-    return make<imaging::IBitmapTransform>(L"Windows.Graphics.Imaging.BitmapTransform");
+    return make(L"Windows.Graphics.Imaging.BitmapTransform").also<imaging::IBitmapTransform>();
 }
 
 foundation::IInspectable renderTarget() {
-    using M = Methods<IRenderTargetBitmap>;
     const auto picture = std::make_shared<Picture>();
     if (const auto react = world()->beforeRendering) {
         react();
     }
-    return make<IRenderTargetBitmap>(L"Windows.UI.Xaml.Media.Imaging.RenderTargetBitmap", Object::Threads::ui)
-        .on<&M::get_PixelWidth>([picture] { return picture->width; })
-        .on<&M::get_PixelHeight>([picture] { return picture->height; })
-        .on<&M::RenderToSizeAsync>([picture](void*, std::int32_t width, std::int32_t height) {
-            check(width <= windowBounds.Width && height <= windowBounds.Height,
-                  "what lies outside the window was to be rendered");
-            return action([=] {
-                ++world()->renderings;
-                *picture = pictureOf(width, height);
-            });
-        })
-        .on<&M::GetPixelsAsync>([picture] {
+    return make(L"Windows.UI.Xaml.Media.Imaging.RenderTargetBitmap", Object::Threads::ui)
+        .on<METHOD(IRenderTargetBitmap, get_PixelWidth)>([picture] { return picture->width; })
+        .on<METHOD(IRenderTargetBitmap, get_PixelHeight)>([picture] { return picture->height; })
+        .on<METHOD(IRenderTargetBitmap, RenderToSizeAsync)>(
+            [picture](void*, std::int32_t width, std::int32_t height) {
+                check(width <= windowBounds.Width && height <= windowBounds.Height,
+                      "what lies outside the window was to be rendered");
+                return action([=] {
+                    ++world()->renderings;
+                    *picture = pictureOf(width, height);
+                });
+            })
+        .on<METHOD(IRenderTargetBitmap, GetPixelsAsync)>([picture] {
             return operation<streams::IBuffer>([rendered = *picture] { return bufferOf(rendered.pixels()); });
         });
 }
@@ -123,17 +121,13 @@ Bytes Picture::file() const {
 }
 
 Factories pictures() {
-    using Decoders = imaging::IBitmapDecoderStatics;
-    using Encoders = imaging::IBitmapEncoderStatics;
     return {
         {L"Windows.Graphics.Imaging.BitmapDecoder",
-         answering<Decoders, &Methods<Decoders>::CreateAsync>(decode)},
+         answering<METHOD(imaging::IBitmapDecoderStatics, CreateAsync)>(decode)},
         {L"Windows.Graphics.Imaging.BitmapEncoder",
-         [] {
-             return make<Encoders>(L"factory")
-                 .constant<&Methods<Encoders>::get_PngEncoderId>(png)
-                 .on<&Methods<Encoders>::CreateAsync>(encode);
-         }},
+         make(L"factory")
+             .constant<METHOD(imaging::IBitmapEncoderStatics, get_PngEncoderId)>(png)
+             .on<METHOD(imaging::IBitmapEncoderStatics, CreateAsync)>(encode)},
         {L"Windows.Graphics.Imaging.BitmapTransform", activating(transform)},
         {L"Windows.UI.Xaml.Media.Imaging.RenderTargetBitmap", activating(renderTarget)},
     };

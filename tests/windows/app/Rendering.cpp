@@ -47,22 +47,6 @@ void sizes(Engine& engine) {
     world()->rawPixelsPerViewPixel = 1;
 }
 
-void screenshots(Engine& engine) {
-    Session session(engine, 30, 20);
-    session.load();
-    const auto picture = app::Picture{30, 20, world()->colour}.pixels();
-    engine.plugin().WebView_captureScreenshot(session.view(), "screenshot");
-    check(session.data("screenshot") == picture, "the screenshot is the page");
-    engine.plugin().WebView_getRawTextureData(session.view(), "raw");
-    auto raw = session.data("raw");
-    check(raw.size() == picture.size(), "the raw data have the page's size");
-    raw.resize(picture.size());
-    for (std::size_t row = 0; row < 20; ++row) {
-        check(std::equal(&picture[row * 120], &picture[row * 120] + 120, &raw[(19 - row) * 120]),
-              "the raw data begin at the bottom");
-    }
-}
-
 void endings(Engine& engine) {
     const auto& plugin = engine.plugin();
     const std::function<void(Session&)> states[] = {
@@ -131,20 +115,19 @@ void requests(Engine& engine) {
         }
     }
     const auto from = engine.recorder().position();
+    const auto heard = [&](const std::string& text) {
+        return std::ranges::any_of(engine.recorder().since(from), [&](const auto& record) {
+            return record.payload.find(text) != std::string::npos;
+        });
+    };
     app::requestNewWindow(L"http://site.example/new");
     session.waitForLoad(from);
-    check(std::ranges::any_of(
-              engine.recorder().since(from),
-              [](const auto& record) { return record.payload.ends_with("site.example/new\" }}"); }),
-          "a new window opens in the view");
-    app::requestNewWindow(L"ms-appx-web:///page.html");
-    app::requestNewWindow(L"ms-local-stream://app_ZarvikLocal/file/C:/pages/page.html");
-    check(std::ranges::count_if(engine.recorder().since(from),
-                                [](const auto& record) {
-                                    return record.payload.find("isn't allowed to open the local content") !=
-                                           std::string::npos;
-                                }) == 2,
-          "a page cannot open local content");
+    check(heard("site.example/new\" }}"), "a new window opens in the view");
+    for (const std::string url :
+         {"ms-appx-web:///page.html", "ms-local-stream://app_ZarvikLocal/file/C:/pages/page.html"}) {
+        app::requestNewWindow(std::wstring(winrt::to_hstring(url)));
+        check(heard("isn't allowed to open the local content " + url), "a page cannot open local content");
+    }
 
     session.load();
     world()->scripts[L"transparent"] = {L"", S_OK, L"zarvik.webview.pageTransparencyDetermined true"};
@@ -156,20 +139,8 @@ void requests(Engine& engine) {
     session.evaluate("opaque");
     check(noted(L"opaque"), "an opaque page");
     check(noted(L"eval: _zarvikInternal.setDefaultBackground()"), "an opaque page gets a background");
-    plugin.WebView_click(session.view(), 3, 4);
-    check(noted(L"eval: _zarvikInternal.pointerInputManager.click(3, 4);"), "a click");
-    plugin.WebView_sendKey(session.view(), "'");
-    check(noted(L"eval: _zarvikInternal.keyboardInputManager.sendKey('\\'');"), "a key");
     plugin.WebView_clearAllData();
     check(noted(L"data cleared"), "all data cleared");
-    plugin.WebView_handleMixedRealityAppFocusChanged(false);
-    check(noted(L"content removed"), "the focus is lost");
-    plugin.WebView_handleMixedRealityAppFocusChanged(true);
-    check(noted(L"content set"), "the focus is back");
-    plugin.WebView_globallySetUserAgent("agent");
-    plugin.WebView_globallySetUserAgentToMobile(false);
-    plugin.WebView_loadUrl(session.view(), "file:///C:/pages/document.pdf");
-    check(noted(L"content: <!"), "the viewer page is served");
     check(session.evaluate("0") == "0", "the view is in order");
 }
 
@@ -199,7 +170,6 @@ void playRendering(Engine& engine) {
     };
     step("both paths", bothPaths);
     step("sizes", sizes);
-    step("screenshots", screenshots);
     step("requests", requests);
     step("places", places);
     for (const auto& record : engine.recorder().all()) {

@@ -84,10 +84,3 @@ bool Session::shows(UINT width, UINT height, UINT ignored) {
         return true;
     });
 }
-
-std::vector<std::uint8_t> Session::data(const std::string& id) const {
-    const auto answer = engine.recorder().waitFor(
-        [&](const Record& record) { return record.kind == Record::Kind::data && record.method == id; }, start,
-        patience);
-    return answer ? answer->bytes : std::vector<std::uint8_t>();
-}

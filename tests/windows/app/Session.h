@@ -48,8 +48,6 @@ class Session {
     /// Waits until the texture shows the picture of now in this size. Of the texture's last columns and rows
     /// as many are left out of account as `ignored` says.
     bool shows(UINT width, UINT height, UINT ignored = 0);
-    /// The data that answer a request.
-    std::vector<std::uint8_t> data(const std::string& id) const;
     std::size_t announcements() const { return textures.size(); }
 
   private:

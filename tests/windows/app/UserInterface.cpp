@@ -25,15 +25,13 @@ foundation::IAsyncAction dispatch(std::int32_t, ui::Core::DispatchedHandler hand
 }
 
 ui::Core::CoreDispatcher dispatcher() {
-    using I = ui::Core::ICoreDispatcher;
-    return make<I>(L"Windows.UI.Core.CoreDispatcher").on<&Methods<I>::RunAsync>(dispatch);
+    return make(L"Windows.UI.Core.CoreDispatcher").on<METHOD(ui::Core::ICoreDispatcher, RunAsync)>(dispatch);
 }
 
 core::CoreApplicationView mainView() {
-    using I = core::ICoreApplicationView2;
-    return make<core::ICoreApplicationView>(L"Windows.ApplicationModel.Core.CoreApplicationView")
-        .as<I>()
-        .on<&Methods<I>::get_Dispatcher>(dispatcher);
+    return make(L"Windows.ApplicationModel.Core.CoreApplicationView")
+        .also<core::ICoreApplicationView>()
+        .on<METHOD(core::ICoreApplicationView2, get_Dispatcher)>(dispatcher);
 }
 
 /// The window and its content: the panel, or a frame around it.
@@ -44,15 +42,16 @@ struct Window {
     }
 
     static foundation::IInspectable makePanel() {
-        using I = controls::IPanel;
-        return make<I>(L"Windows.UI.Xaml.Controls.Panel", onUI)
-            .on<&Methods<I>::get_Children>([] { return shared().children; })
-            .as<xaml::IUIElement>()
-            .as<xaml::IDependencyObject>();
+        return make(L"Windows.UI.Xaml.Controls.Panel", onUI)
+            .on<METHOD(controls::IPanel, get_Children)>([] { return shared().children; })
+            .also<xaml::IUIElement>()
+            .also<xaml::IDependencyObject>();
     }
 
     static foundation::IInspectable makeFrame() {
-        return make<xaml::IUIElement>(L"Windows.UI.Xaml.Controls.Frame", onUI).as<xaml::IDependencyObject>();
+        return make(L"Windows.UI.Xaml.Controls.Frame", onUI)
+            .also<xaml::IUIElement>()
+            .also<xaml::IDependencyObject>();
     }
 
     bool hasContent = true;
@@ -63,39 +62,34 @@ struct Window {
 };
 
 xaml::Window currentWindow() {
-    using M = Methods<xaml::IWindow>;
-    return make<xaml::IWindow>(L"Windows.UI.Xaml.Window", onUI)
-        .on<&M::get_Content>([]() -> xaml::UIElement {
+    return make(L"Windows.UI.Xaml.Window", onUI)
+        .on<METHOD(xaml::IWindow, get_Content)>([]() -> xaml::UIElement {
             const Window& window = Window::shared();
             const bool framed = world()->panelIsNested || !world()->hasPanel;
             return window.hasContent ? (framed ? window.frame : window.panel).as<xaml::UIElement>() : nullptr;
         })
-        .on<&M::put_Content>([](void* content) {
-            Window::shared().hasContent = content != nullptr;
-            world()->note(content ? L"content set" : L"content removed");
-        });
+        .on<METHOD(xaml::IWindow, put_Content)>(
+            [](void* content) { Window::shared().hasContent = content != nullptr; });
 }
 
 foundation::IInspectable translation() {
-    using M = Methods<xaml::Media::ITranslateTransform>;
-    return make<xaml::Media::ITranslateTransform>(L"Windows.UI.Xaml.Media.TranslateTransform", onUI)
-        .on<&M::put_X>([](double x) { world()->note(std::format(L"x {}", x)); })
-        .on<&M::put_Y>([](double y) { world()->note(std::format(L"y {}", y)); })
-        .as<xaml::Media::ITransform>();
+    return make(L"Windows.UI.Xaml.Media.TranslateTransform", onUI)
+        .on<METHOD(xaml::Media::ITranslateTransform, put_X)>([] {})
+        .on<METHOD(xaml::Media::ITranslateTransform, put_Y)>([] {})
+        .also<xaml::Media::ITransform>();
 }
 
 DisplayInformation display() {
-    using I = IDisplayInformation2;
-    return make<IDisplayInformation>(L"Windows.Graphics.Display.DisplayInformation", onUI)
-        .as<I>()
-        .on<&Methods<I>::get_RawPixelsPerViewPixel>([] { return world()->rawPixelsPerViewPixel; });
+    return make(L"Windows.Graphics.Display.DisplayInformation", onUI)
+        .also<IDisplayInformation>()
+        .on<METHOD(IDisplayInformation2, get_RawPixelsPerViewPixel)>(
+            [] { return world()->rawPixelsPerViewPixel; });
 }
 
 ApplicationView applicationView() {
-    using I = IApplicationView2;
-    return make<IApplicationView>(L"Windows.UI.ViewManagement.ApplicationView", onUI)
-        .as<I>()
-        .constant<&Methods<I>::get_VisibleBounds>(windowBounds);
+    return make(L"Windows.UI.ViewManagement.ApplicationView", onUI)
+        .also<IApplicationView>()
+        .constant<METHOD(IApplicationView2, get_VisibleBounds)>(windowBounds);
 }
 
 }  // namespace
@@ -110,34 +104,26 @@ void restoreWindow() {
 }
 
 Factories userInterface() {
-    using Applications = core::ICoreImmersiveApplication;
-    using Displays = IDisplayInformationStatics;
-    using Colors = ui::IColorsStatics;
     using Color = winrt::impl::struct_Windows_UI_Color;
-    using Views = IApplicationViewStatics2;
-    using Trees = xaml::Media::IVisualTreeHelperStatics;
-    using Windows = xaml::IWindowStatics;
     return {
         {L"Windows.ApplicationModel.Core.CoreApplication",
-         answering<Applications, &Methods<Applications>::get_MainView>(mainView)},
+         answering<METHOD(core::ICoreImmersiveApplication, get_MainView)>(mainView)},
         {L"Windows.Graphics.Display.DisplayInformation",
-         answering<Displays, &Methods<Displays>::GetForCurrentView>(display)},
+         answering<METHOD(IDisplayInformationStatics, GetForCurrentView)>(display)},
         {L"Windows.UI.Colors",
-         [] {
-             return make<Colors>(L"factory")
-                 .constant<&Methods<Colors>::get_Transparent>(Color{0, 255, 255, 255})
-                 .constant<&Methods<Colors>::get_White>(Color{255, 255, 255, 255});
-         }},
+         make(L"factory")
+             .constant<METHOD(ui::IColorsStatics, get_Transparent)>(Color{0, 255, 255, 255})
+             .constant<METHOD(ui::IColorsStatics, get_White)>(Color{255, 255, 255, 255})},
         {L"Windows.UI.ViewManagement.ApplicationView",
-         answering<Views, &Methods<Views>::GetForCurrentView>(applicationView)},
+         answering<METHOD(IApplicationViewStatics2, GetForCurrentView)>(applicationView)},
         {L"Windows.UI.Xaml.Media.TranslateTransform", activating(translation)},
         {L"Windows.UI.Xaml.Media.VisualTreeHelper",
-         [] {
-             return make<Trees>(L"factory")
-                 .on<&Methods<Trees>::GetChildrenCount>([](void*) { return world()->hasPanel ? 1 : 0; })
-                 .on<&Methods<Trees>::GetChild>([](void*, std::int32_t) { return appPanel(); });
-         }},
-        {L"Windows.UI.Xaml.Window", answering<Windows, &Methods<Windows>::get_Current>(currentWindow)},
+         make(L"factory")
+             .on<METHOD(xaml::Media::IVisualTreeHelperStatics, GetChildrenCount)>(
+                 [](void*) { return world()->hasPanel ? 1 : 0; })
+             .on<METHOD(xaml::Media::IVisualTreeHelperStatics, GetChild)>(
+                 [](void*, std::int32_t) { return appPanel(); })},
+        {L"Windows.UI.Xaml.Window", answering<METHOD(xaml::IWindowStatics, get_Current)>(currentWindow)},
     };
 }
 

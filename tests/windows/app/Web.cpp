@@ -12,32 +12,31 @@ namespace {
 using winrt::hstring;
 
 http::HttpCookie cookie(const hstring& name, const hstring& domain, const hstring& path) {
-    using M = Methods<http::IHttpCookie>;
-    return make<http::IHttpCookie>(L"Windows.Web.Http.HttpCookie")
-        .constant<&M::get_Name>(name)
-        .constant<&M::get_Domain>(domain)
-        .constant<&M::get_Path>(path)
-        .property<&M::get_Value, &M::put_Value>(hstring())
-        .property<&M::get_Expires, &M::put_Expires>(foundation::IReference<foundation::DateTime>())
-        .property<&M::get_HttpOnly, &M::put_HttpOnly>(false)
-        .property<&M::get_Secure, &M::put_Secure>(false);
+    return make(L"Windows.Web.Http.HttpCookie")
+        .constant<METHOD(http::IHttpCookie, get_Name)>(name)
+        .constant<METHOD(http::IHttpCookie, get_Domain)>(domain)
+        .constant<METHOD(http::IHttpCookie, get_Path)>(path)
+        .property<METHOD(http::IHttpCookie, get_Value), METHOD(http::IHttpCookie, put_Value)>(hstring())
+        .property<METHOD(http::IHttpCookie, get_Expires), METHOD(http::IHttpCookie, put_Expires)>(
+            foundation::IReference<foundation::DateTime>())
+        .property<METHOD(http::IHttpCookie, get_HttpOnly), METHOD(http::IHttpCookie, put_HttpOnly)>(false)
+        .property<METHOD(http::IHttpCookie, get_Secure), METHOD(http::IHttpCookie, put_Secure)>(false);
 }
 
 /// Keeps the cookies of all filters.
 http::HttpCookieManager cookieManager() {
-    using I = http::IHttpCookieManager;
     static auto& cookies = *new std::vector<http::HttpCookie>;
     const auto remove = [](const http::HttpCookie& cookie) {
         std::erase_if(cookies, [&](const auto& other) { return other.Name() == cookie.Name(); });
     };
-    return make<I>(L"Windows.Web.Http.HttpCookieManager")
-        .on<&Methods<I>::SetCookie>([remove](const http::HttpCookie& cookie) {
+    return make(L"Windows.Web.Http.HttpCookieManager")
+        .on<METHOD(http::IHttpCookieManager, SetCookie)>([remove](const http::HttpCookie& cookie) {
             remove(cookie);
             cookies.push_back(cookie);
             return false;
         })
-        .on<&Methods<I>::DeleteCookie>(remove)
-        .on<&Methods<I>::GetCookies>([](const foundation::Uri& uri) {
+        .on<METHOD(http::IHttpCookieManager, DeleteCookie)>(remove)
+        .on<METHOD(http::IHttpCookieManager, GetCookies)>([](const foundation::Uri& uri) {
             std::vector<http::HttpCookie> matching;
             std::ranges::copy_if(cookies, std::back_inserter(matching), [&](const auto& cookie) {
                 return textOf(uri).find(cookie.Domain()) != std::wstring::npos;
@@ -47,35 +46,29 @@ http::HttpCookieManager cookieManager() {
 }
 
 http::Filters::HttpBaseProtocolFilter filter() {
-    using I = http::Filters::IHttpBaseProtocolFilter;
-    return make<I>(L"Windows.Web.Http.Filters.HttpBaseProtocolFilter")
-        .on<&Methods<I>::get_CookieManager>(cookieManager);
+    return make(L"Windows.Web.Http.Filters.HttpBaseProtocolFilter")
+        .on<METHOD(http::Filters::IHttpBaseProtocolFilter, get_CookieManager)>(cookieManager);
 }
 
 http::Headers::HttpRequestHeaderCollection headers() {
-    using I = http::Headers::IHttpRequestHeaderCollection;
-    return make<I>(L"Windows.Web.Http.Headers.HttpRequestHeaderCollection")
-        .on<&Methods<I>::TryAppendWithoutValidation>([](const hstring& name, const hstring& value) {
-            world()->note(std::wstring(L"header " + name + L"=" + value));
-            return std::ranges::find(name, L' ') == name.end();
-        });
+    return make(L"Windows.Web.Http.Headers.HttpRequestHeaderCollection")
+        .on<METHOD(http::Headers::IHttpRequestHeaderCollection, TryAppendWithoutValidation)>(
+            [](const hstring& name) { return std::ranges::find(name, L' ') == name.end(); });
 }
 
 http::HttpRequestMessage request(void*, const foundation::Uri& uri) {
-    using I = http::IHttpRequestMessage;
-    return make<I>(L"Windows.Web.Http.HttpRequestMessage")
-        .constant<&Methods<I>::get_RequestUri>(uri)
-        .on<&Methods<I>::get_Headers>(headers);
+    return make(L"Windows.Web.Http.HttpRequestMessage")
+        .constant<METHOD(http::IHttpRequestMessage, get_RequestUri)>(uri)
+        .on<METHOD(http::IHttpRequestMessage, get_Headers)>(headers);
 }
 
 http::HttpMethod get() {
-    return make<http::IHttpMethod>(L"Windows.Web.Http.HttpMethod");
+    return make(L"Windows.Web.Http.HttpMethod").also<http::IHttpMethod>();
 }
 
 /// Any JSON value that is neither an object nor an array, by its text.
 json::JsonValue jsonValue(const std::wstring& text) {
     using enum json::JsonValueType;
-    using I = json::IJsonValue;
     const auto type = text == L"null"                       ? Null
                       : text == L"true" || text == L"false" ? Boolean
                       : text.front() == L'"'                ? String
@@ -85,52 +78,46 @@ json::JsonValue jsonValue(const std::wstring& text) {
             throw winrt::hresult_illegal_method_call();
         }
     };
-    return make<I>(L"Windows.Data.Json.JsonValue")
-        .constant<&Methods<I>::get_ValueType>(type)
-        .constant<&Methods<I>::Stringify>(hstring(text))
-        .on<&Methods<I>::GetString>([=] {
+    return make(L"Windows.Data.Json.JsonValue")
+        .constant<METHOD(json::IJsonValue, get_ValueType)>(type)
+        .constant<METHOD(json::IJsonValue, Stringify)>(hstring(text))
+        .on<METHOD(json::IJsonValue, GetString)>([=] {
             require(String);
             return hstring(text.substr(1, text.size() - 2));
         })
-        .on<&Methods<I>::GetNumber>([=] {
+        .on<METHOD(json::IJsonValue, GetNumber)>([=] {
             require(Number);
             return std::stod(text);
         })
-        .on<&Methods<I>::GetBoolean>([=] {
+        .on<METHOD(json::IJsonValue, GetBoolean)>([=] {
             require(Boolean);
             return text == L"true";
         });
 }
 
 json::JsonObject jsonObject(std::map<std::wstring, std::wstring> known = {}) {
-    using I = json::IJsonObject;
     using Map = foundation::Collections::IMap<hstring, json::IJsonValue>;
-    using Value = json::IJsonValue;
     const auto members = std::make_shared<std::wstring>();
-    return make<I>(L"Windows.Data.Json.JsonObject")
-        .on<&Methods<I>::GetNamedValue>(
+    return make(L"Windows.Data.Json.JsonObject")
+        .on<METHOD(json::IJsonObject, GetNamedValue)>(
             [known](const hstring& name) { return jsonValue(known.at(std::wstring(name))); })
-        .as<Map>()
-        .on<&Methods<Map>::HasKey>(
-            [known](const hstring& name) { return known.contains(std::wstring(name)); })
-        .on<&Methods<Map>::Insert>([members](const hstring& name, const Value& value) {
+        .on<METHOD(Map, HasKey)>([known](const hstring& name) { return known.contains(std::wstring(name)); })
+        .on<METHOD(Map, Insert)>([members](const hstring& name, const json::IJsonValue& value) {
             *members += (members->empty() ? L"\"" : L",\"") + name + L"\":" + value.Stringify();
             return false;
         })
-        .as<Value>()
-        .on<&Methods<Value>::Stringify>([members] { return hstring(L"{" + *members + L"}"); });
+        .on<METHOD(json::IJsonValue, Stringify)>([members] { return hstring(L"{" + *members + L"}"); });
 }
 
 json::JsonArray jsonArray() {
     using Vector = foundation::Collections::IVector<json::IJsonValue>;
-    using Value = json::IJsonValue;
     const auto items = std::make_shared<std::wstring>();
-    return make<json::IJsonArray>(L"Windows.Data.Json.JsonArray")
-        .as<Vector>()
-        .on<&Methods<Vector>::Append>(
-            [items](const Value& value) { *items += (items->empty() ? L"" : L",") + value.Stringify(); })
-        .as<Value>()
-        .on<&Methods<Value>::Stringify>([items] { return hstring(L"[" + *items + L"]"); });
+    return make(L"Windows.Data.Json.JsonArray")
+        .also<json::IJsonArray>()
+        .on<METHOD(Vector, Append)>([items](const json::IJsonValue& value) {
+            *items += (items->empty() ? L"" : L",") + value.Stringify();
+        })
+        .on<METHOD(json::IJsonValue, Stringify)>([items] { return hstring(L"[" + *items + L"]"); });
 }
 
 /// Flat objects only, without blanks or escapes.
@@ -148,17 +135,15 @@ json::JsonObject parse(const hstring& text) {
     return jsonObject(members);
 }
 
-winrt::com_ptr<Object> jsonValues() {
-    using I = json::IJsonValueStatics;
-    using Nulls = json::IJsonValueStatics2;
-    return make<I>(L"factory")
-        .on<&Methods<I>::CreateStringValue>(
+Making jsonValues() {
+    return make(L"factory")
+        .on<METHOD(json::IJsonValueStatics, CreateStringValue)>(
             [](const hstring& text) { return jsonValue(L"\"" + std::wstring(text) + L"\""); })
-        .on<&Methods<I>::CreateNumberValue>(
+        .on<METHOD(json::IJsonValueStatics, CreateNumberValue)>(
             [](double number) { return jsonValue(std::to_wstring(static_cast<std::int64_t>(number))); })
-        .on<&Methods<I>::CreateBooleanValue>([](bool flag) { return jsonValue(flag ? L"true" : L"false"); })
-        .as<Nulls>()
-        .on<&Methods<Nulls>::CreateNullValue>([] { return jsonValue(L"null"); });
+        .on<METHOD(json::IJsonValueStatics, CreateBooleanValue)>(
+            [](bool flag) { return jsonValue(flag ? L"true" : L"false"); })
+        .on<METHOD(json::IJsonValueStatics2, CreateNullValue)>([] { return jsonValue(L"null"); });
 }
 
 auto time(std::int64_t ticks) {
@@ -169,28 +154,18 @@ auto time(std::int64_t ticks) {
 }  // namespace
 
 Factories web() {
-    using Parsers = json::IJsonObjectStatics;
-    using Activation = foundation::IActivationFactory;
-    using Values = foundation::IPropertyValueStatics;
-    using Cookies = http::IHttpCookieFactory;
-    using Verbs = http::IHttpMethodStatics;
-    using Requests = http::IHttpRequestMessageFactory;
     return {
         {L"Windows.Data.Json.JsonArray", activating(jsonArray)},
         {L"Windows.Data.Json.JsonObject",
-         [] {
-             return make<Activation>(L"factory")
-                 .on<&Methods<Activation>::ActivateInstance>(
-                     []() -> foundation::IInspectable { return jsonObject(); })
-                 .as<Parsers>()
-                 .on<&Methods<Parsers>::Parse>(parse);
-         }},
-        {L"Windows.Data.Json.JsonValue", jsonValues},
-        {L"Windows.Foundation.PropertyValue", answering<Values, &Methods<Values>::CreateDateTime>(time)},
+         activating([] { return jsonObject(); }).on<METHOD(json::IJsonObjectStatics, Parse)>(parse)},
+        {L"Windows.Data.Json.JsonValue", jsonValues()},
+        {L"Windows.Foundation.PropertyValue",
+         answering<METHOD(foundation::IPropertyValueStatics, CreateDateTime)>(time)},
         {L"Windows.Web.Http.Filters.HttpBaseProtocolFilter", activating(filter)},
-        {L"Windows.Web.Http.HttpCookie", answering<Cookies, &Methods<Cookies>::Create>(cookie)},
-        {L"Windows.Web.Http.HttpMethod", answering<Verbs, &Methods<Verbs>::get_Get>(get)},
-        {L"Windows.Web.Http.HttpRequestMessage", answering<Requests, &Methods<Requests>::Create>(request)},
+        {L"Windows.Web.Http.HttpCookie", answering<METHOD(http::IHttpCookieFactory, Create)>(cookie)},
+        {L"Windows.Web.Http.HttpMethod", answering<METHOD(http::IHttpMethodStatics, get_Get)>(get)},
+        {L"Windows.Web.Http.HttpRequestMessage",
+         answering<METHOD(http::IHttpRequestMessageFactory, Create)>(request)},
     };
 }
 

@@ -12,10 +12,9 @@ using winrt::ZarvikWebViewRuntimeComponent::IJavaScriptBridge;
 
 constexpr auto onUI = Object::Threads::ui;
 
-/// The arguments of any event that only tells where the page is.
-template <typename Interface>
-As<Interface> arguments() {
-    return make<Interface>(L"event arguments", onUI);
+/// The arguments of an event.
+Making arguments() {
+    return make(L"event arguments", onUI);
 }
 
 struct View {
@@ -42,11 +41,13 @@ struct View {
     }
 
     void finish(WebErrorStatus status) {
-        using I = controls::IWebViewNavigationCompletedEventArgs;
         loading = false;
-        completed(projection(), arguments<I>()
-                                    .constant<&Methods<I>::get_IsSuccess>(status == WebErrorStatus::Unknown)
-                                    .constant<&Methods<I>::get_WebErrorStatus>(status));
+        completed(projection(),
+                  arguments()
+                      .constant<METHOD(controls::IWebViewNavigationCompletedEventArgs, get_IsSuccess)>(
+                          status == WebErrorStatus::Unknown)
+                      .constant<METHOD(controls::IWebViewNavigationCompletedEventArgs, get_WebErrorStatus)>(
+                          status));
     }
 
     /// Lets the events of a navigation follow, each in a turn of its own.
@@ -56,11 +57,12 @@ struct View {
         loading = true;
         bridge = nullptr;
         later([=, this, number = navigations->load()] {
-            using I = controls::IWebViewNavigationStartingEventArgs;
             const auto cancelled = std::make_shared<bool>(false);
             starting(projection(),
-                     arguments<I>().constant<&Methods<I>::get_Uri>(uri).on<&Methods<I>::put_Cancel>(
-                         [cancelled](bool cancel) { *cancelled = cancel; }));
+                     arguments()
+                         .constant<METHOD(controls::IWebViewNavigationStartingEventArgs, get_Uri)>(uri)
+                         .on<METHOD(controls::IWebViewNavigationStartingEventArgs, put_Cancel)>(
+                             [cancelled](bool cancel) { *cancelled = cancel; }));
             if (*navigations != number || *cancelled) {
                 return;
             }
@@ -83,9 +85,7 @@ struct View {
         co_await winrt::resume_background();
         bool found = false;
         try {
-            const Bytes content = contentOf(co_await resolver.UriToStreamAsync(uri));
-            world()->note(L"content: " + std::wstring(content.begin(), content.end()));
-            found = true;
+            found = !contentOf(co_await resolver.UriToStreamAsync(uri)).empty();
         } catch (...) {
             // Then the page is not there.
         }
@@ -109,9 +109,10 @@ struct View {
             position = history.size() - 1;
         }
         later([this] {
-            contentLoading(projection(), arguments<controls::IWebViewContentLoadingEventArgs>());
+            contentLoading(projection(), arguments().also<controls::IWebViewContentLoadingEventArgs>());
             later([this] {
-                domContentLoaded(projection(), arguments<controls::IWebViewDOMContentLoadedEventArgs>());
+                domContentLoaded(projection(),
+                                 arguments().also<controls::IWebViewDOMContentLoadedEventArgs>());
                 later([this] { finish(WebErrorStatus::Unknown); });
             });
         });
@@ -171,134 +172,125 @@ struct View {
 };
 
 /// Lets an event of the view take handlers.
-template <auto event, auto method, typename Interface>
-void subscribe(const As<Interface>& object, const std::shared_ptr<View>& view) {
+template <auto event, typename Interface, auto method>
+void subscribe(const Making& object, const std::shared_ptr<View>& view) {
     using Handler = typename std::remove_reference_t<decltype((*view).*event)>::delegate_type;
-    object.template on<method>([view](const Handler& handler) { return ((*view).*event).add(handler); });
+    object.on<Interface, method>([view](const Handler& handler) { return ((*view).*event).add(handler); });
 }
 
 controls::WebView webViewControl() {
-    using M = Methods<controls::IWebView>;
-    const auto navigation = make<controls::IWebView>(L"Windows.UI.Xaml.Controls.WebView", onUI);
-    const auto view = std::make_shared<View>(winrt::com_ptr<Object>(navigation).get());
-    navigation.holding(view)
-        .on<&M::get_Source>([view] { return view->source; })
-        .on<&M::Navigate>([view](const foundation::Uri& uri) { view->navigate(uri); })
-        .on<&M::NavigateToString>([view] { view->navigate(nullptr); });
+    const auto control = make(L"Windows.UI.Xaml.Controls.WebView", onUI);
+    const auto view = std::make_shared<View>(winrt::com_ptr<Object>(control).get());
+    control.holding(view)
+        .on<METHOD(controls::IWebView, get_Source)>([view] { return view->source; })
+        .on<METHOD(controls::IWebView, Navigate)>([view](const foundation::Uri& uri) { view->navigate(uri); })
+        .on<METHOD(controls::IWebView, NavigateToString)>([view] { view->navigate(nullptr); });
 
-    using C = Methods<controls::IWebView2>;
-    const auto content = navigation.as<controls::IWebView2>();
-    subscribe<&View::starting, &C::add_NavigationStarting>(content, view);
-    subscribe<&View::contentLoading, &C::add_ContentLoading>(content, view);
-    subscribe<&View::domContentLoaded, &C::add_DOMContentLoaded>(content, view);
-    subscribe<&View::completed, &C::add_NavigationCompleted>(content, view);
+    subscribe<&View::starting, METHOD(controls::IWebView2, add_NavigationStarting)>(control, view);
+    subscribe<&View::contentLoading, METHOD(controls::IWebView2, add_ContentLoading)>(control, view);
+    subscribe<&View::domContentLoaded, METHOD(controls::IWebView2, add_DOMContentLoaded)>(control, view);
+    subscribe<&View::completed, METHOD(controls::IWebView2, add_NavigationCompleted)>(control, view);
     const auto step = [view](std::size_t entry) { view->navigate(view->history.at(entry), entry); };
-    content.on<&C::get_CanGoBack>([view] { return view->position > 0; })
-        .on<&C::get_CanGoForward>([view] { return view->position + 1 < view->history.size(); })
-        .on<&C::GoBack>([view, step] { step(view->position - 1); })
-        .on<&C::GoForward>([view, step] { step(view->position + 1); })
-        .on<&C::Refresh>([view] { view->navigate(view->source, view->position); })
-        .on<&C::Stop>([view] {
+    control.on<METHOD(controls::IWebView2, get_CanGoBack)>([view] { return view->position > 0; })
+        .on<METHOD(controls::IWebView2, get_CanGoForward)>(
+            [view] { return view->position + 1 < view->history.size(); })
+        .on<METHOD(controls::IWebView2, GoBack)>([view, step] { step(view->position - 1); })
+        .on<METHOD(controls::IWebView2, GoForward)>([view, step] { step(view->position + 1); })
+        .on<METHOD(controls::IWebView2, Refresh)>([view] { view->navigate(view->source, view->position); })
+        .on<METHOD(controls::IWebView2, Stop)>([view] {
             if (std::exchange(view->loading, false)) {
                 ++*view->navigations;
                 view->later([view] { view->finish(WebErrorStatus::OperationCanceled); });
             }
         })
-        .on<&C::CapturePreviewToStreamAsync>([view](const streams::IRandomAccessStream& stream) {
-            return action([stream, width = view->width, height = view->height] {
-                ++world()->previews;
-                behind<Bytes>(stream) = pictureOf(width, height).file();
-            });
-        })
-        .on<&C::InvokeScriptAsync>(
+        .on<METHOD(controls::IWebView2, CapturePreviewToStreamAsync)>(
+            [view](const streams::IRandomAccessStream& stream) {
+                return action([stream, width = view->width, height = view->height] {
+                    ++world()->previews;
+                    behind<Bytes>(stream) = pictureOf(width, height).file();
+                });
+            })
+        .on<METHOD(controls::IWebView2, InvokeScriptAsync)>(
             [view](const winrt::hstring& name,
                    const foundation::Collections::IIterable<winrt::hstring>& arguments) {
                 return view->invoke(std::wstring(name), std::wstring(*begin(arguments)));
             })
-        .on<&C::NavigateToLocalStreamUri>(
+        .on<METHOD(controls::IWebView2, NavigateToLocalStreamUri)>(
             [view](const foundation::Uri& uri, const IUriToStreamResolver& resolver) {
                 view->navigate(uri, {}, resolver);
             })
-        .on<&C::BuildLocalStreamUri>([](const winrt::hstring& identifier, const winrt::hstring& path) {
-            const std::wstring relative(path);
-            return uriOf(L"ms-local-stream://app_" + std::wstring(identifier) + L"/" +
-                         relative.substr(relative.find_first_not_of(L'/')));
-        })
-        .on<&C::put_DefaultBackgroundColor>([](winrt::impl::struct_Windows_UI_Color color) {
-            world()->note(color.A ? L"opaque" : L"transparent");
-        })
-        .on<&C::Focus>([](std::int32_t) { return true; })
-        .on<&C::NavigateWithHttpRequestMessage>(
+        .on<METHOD(controls::IWebView2, BuildLocalStreamUri)>(
+            [](const winrt::hstring& identifier, const winrt::hstring& path) {
+                const std::wstring relative(path);
+                return uriOf(L"ms-local-stream://app_" + std::wstring(identifier) + L"/" +
+                             relative.substr(relative.find_first_not_of(L'/')));
+            })
+        .on<METHOD(controls::IWebView2, put_DefaultBackgroundColor)>(
+            [](winrt::impl::struct_Windows_UI_Color color) {
+                world()->note(color.A ? L"opaque" : L"transparent");
+            })
+        .on<METHOD(controls::IWebView2, Focus)>([](std::int32_t) { return true; })
+        .on<METHOD(controls::IWebView2, NavigateWithHttpRequestMessage)>(
             [view](const http::HttpRequestMessage& request) { view->navigate(request.RequestUri()); });
 
-    using R = Methods<controls::IWebView4>;
-    const auto requests = navigation.as<controls::IWebView4>();
-    subscribe<&View::newWindow, &R::add_NewWindowRequested>(requests, view);
-    subscribe<&View::permission, &R::add_PermissionRequested>(requests, view);
-    requests.on<&R::AddWebAllowedObject>(
+    subscribe<&View::newWindow, METHOD(controls::IWebView4, add_NewWindowRequested)>(control, view);
+    subscribe<&View::permission, METHOD(controls::IWebView4, add_PermissionRequested)>(control, view);
+    control.on<METHOD(controls::IWebView4, AddWebAllowedObject)>(
         [view](const winrt::hstring& name, const foundation::IInspectable& object) {
             check(name == L"_zarvikBridge", "another object was added to the page");
             view->bridge = object.as<IJavaScriptBridge>();
         });
 
-    using L = Methods<controls::IWebView6>;
-    subscribe<&View::processLost, &L::add_SeparateProcessLost>(navigation.as<controls::IWebView6>(), view);
+    subscribe<&View::processLost, METHOD(controls::IWebView6, add_SeparateProcessLost)>(control, view);
 
-    using F = Methods<xaml::IFrameworkElement>;
-    navigation.as<xaml::IFrameworkElement>()
-        .on<&F::put_Width>([view](double width) { view->width = width; })
-        .on<&F::put_Height>([view](double height) { view->height = height; })
-        .on<&F::get_Width>([view] { return view->width; })
-        .on<&F::get_Height>([view] { return view->height; })
-        .on<&F::put_HorizontalAlignment>([] {})
-        .on<&F::put_VerticalAlignment>([] {})
-        .on<&F::get_Parent>([] { return world()->hasPanel ? appPanel() : nullptr; });
+    control.on<METHOD(xaml::IFrameworkElement, put_Width)>([view](double width) { view->width = width; })
+        .on<METHOD(xaml::IFrameworkElement, put_Height)>([view](double height) { view->height = height; })
+        .on<METHOD(xaml::IFrameworkElement, get_Width)>([view] { return view->width; })
+        .on<METHOD(xaml::IFrameworkElement, get_Height)>([view] { return view->height; })
+        .on<METHOD(xaml::IFrameworkElement, put_HorizontalAlignment)>([] {})
+        .on<METHOD(xaml::IFrameworkElement, put_VerticalAlignment)>([] {})
+        .on<METHOD(xaml::IFrameworkElement, get_Parent)>(
+            [] { return world()->hasPanel ? appPanel() : nullptr; });
 
-    using E = Methods<xaml::IUIElement>;
-    navigation.as<xaml::IUIElement>().on<&E::put_RenderTransform>([] {}).on<&E::put_Visibility>(
-        [view](xaml::Visibility visibility) { view->visible = visibility == xaml::Visibility::Visible; });
-    navigation.as<xaml::IDependencyObject>();
-    return navigation;
+    control.on<METHOD(xaml::IUIElement, put_RenderTransform)>([] {})
+        .on<METHOD(xaml::IUIElement, put_Visibility)>(
+            [view](xaml::Visibility visibility) { view->visible = visibility == xaml::Visibility::Visible; });
+    return control.also<xaml::IDependencyObject>();
 }
 
 }  // namespace
 
 Factories webView() {
-    using Activation = foundation::IActivationFactory;
-    using I = controls::IWebViewStatics4;
-    return {{L"Windows.UI.Xaml.Controls.WebView", [] {
-                 return make<Activation>(L"factory")
-                     .on<&Methods<Activation>::ActivateInstance>(
-                         []() -> foundation::IInspectable { return webViewControl(); })
-                     .as<I>()
-                     .on<&Methods<I>::ClearTemporaryWebDataAsync>(
-                         [] { return action([] { world()->note(L"data cleared"); }); });
-             }}};
+    return {
+        {L"Windows.UI.Xaml.Controls.WebView",
+         activating(webViewControl).on<METHOD(controls::IWebViewStatics4, ClearTemporaryWebDataAsync)>([] {
+             return action([] { world()->note(L"data cleared"); });
+         })}};
 }
 
 void requestPermission(controls::WebViewPermissionType type) {
-    using I = controls::IWebViewPermissionRequestedEventArgs;
-    using Request = controls::IWebViewPermissionRequest;
     uiThread().run([&] {
         const controls::WebViewPermissionRequest request =
-            make<Request>(L"permission request", onUI)
-                .constant<&Methods<Request>::get_PermissionType>(type)
-                .on<&Methods<Request>::Allow>([] { world()->note(L"allowed"); })
-                .on<&Methods<Request>::Deny>([] { world()->note(L"denied"); });
-        View::current->permission(View::current->projection(),
-                                  arguments<I>().constant<&Methods<I>::get_PermissionRequest>(request));
+            make(L"permission request", onUI)
+                .constant<METHOD(controls::IWebViewPermissionRequest, get_PermissionType)>(type)
+                .on<METHOD(controls::IWebViewPermissionRequest, Allow)>([] { world()->note(L"allowed"); })
+                .on<METHOD(controls::IWebViewPermissionRequest, Deny)>([] { world()->note(L"denied"); });
+        View::current->permission(
+            View::current->projection(),
+            arguments()
+                .constant<METHOD(controls::IWebViewPermissionRequestedEventArgs, get_PermissionRequest)>(
+                    request));
     });
 }
 
 void requestNewWindow(const std::wstring& url) {
-    using I = controls::IWebViewNewWindowRequestedEventArgs;
     uiThread().run([&] {
-        View::current->newWindow(View::current->projection(),
-                                 arguments<I>()
-                                     .constant<&Methods<I>::get_Uri>(uriOf(url))
-                                     .on<&Methods<I>::put_Handled>([](bool handled) {
-                                         check(handled, "the platform is to open a window");
-                                     }));
+        View::current->newWindow(
+            View::current->projection(),
+            arguments()
+                .constant<METHOD(controls::IWebViewNewWindowRequestedEventArgs, get_Uri)>(uriOf(url))
+                .on<METHOD(controls::IWebViewNewWindowRequestedEventArgs, put_Handled)>(
+                    [](bool handled) { check(handled, "the platform is to open a window"); }));
     });
 }
 

@@ -163,12 +163,12 @@ extern "C" __declspec(dllexport) std::int32_t __stdcall getAppFactory(void* clas
         }
         return all;
     }());
-    const auto makeFactory = factories.find(className);
-    if (makeFactory == factories.end()) {
+    const auto found = factories.find(className);
+    if (found == factories.end()) {
         app::finding("unknown class: " + winrt::to_string(className));
         return REGDB_E_CLASSNOTREG;
     }
-    const auto object = makeFactory->second();
+    const winrt::com_ptr<app::Object> object = found->second;
     object->forbidKeeping();
     *factory = object->query(winrt::guid_of<foundation::IInspectable>());
     return S_OK;
