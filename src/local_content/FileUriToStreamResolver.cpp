@@ -60,7 +60,9 @@ foundation::IAsyncOperation<streams::IInputStream> FileUriToStreamResolver::UriT
 
 winrt::Windows::Web::IUriToStreamResolver sharedResolver() {
     // Never destroyed: when the process ends, the UI thread goes on for a moment.
-    static const auto& resolver =
-        *new winrt::Windows::Web::IUriToStreamResolver(winrt::make<FileUriToStreamResolver>());
-    return resolver;
+    struct Kept {
+        winrt::Windows::Web::IUriToStreamResolver resolver = winrt::make<FileUriToStreamResolver>();
+    };
+    static const auto& kept = *new Kept();
+    return kept.resolver;
 }
