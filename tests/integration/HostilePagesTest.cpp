@@ -124,6 +124,11 @@ TEST_P(HostileScriptsTest, HarmsOnlyItself) {
     });
     view.loadUrl(server.url("/attack"));
     ASSERT_TRUE(server.waitForRequest("/attacking"));
+    plugin().WebView_click(view.handle(), 10, 10);
+    plugin().WebView_sendKey(view.handle(), "a");
+    plugin().WebView_scroll(view.handle(), 0, 10);
+    plugin().WebView_setConsoleMessageEventsEnabled(view.handle(), 1);
+    plugin().WebView_executeJavaScript(view.handle(), "1 + 1", "1");
     std::this_thread::sleep_for(500ms);
     expectUnharmed();
 }

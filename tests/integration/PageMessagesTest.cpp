@@ -4,10 +4,8 @@
 
 namespace {
 
-class PageMessagesTest : public EngineTest {
+class PageMessagesTest : public ViewTest {
   protected:
-    std::string evaluate(const std::string& script) { return view.evaluate(script).value_or("no answer"); }
-
     bool waitForPageMessage(const std::string& payload, std::size_t from = 0) {
         return recorder()
             .waitFor(
@@ -30,14 +28,6 @@ class PageMessagesTest : public EngineTest {
         }
         return payloads;
     }
-
-    static std::string agentUrlChanged(const std::string& url, const std::string& title,
-                                       const std::string& type) {
-        return R"({"type":"zarvik.webview.urlChanged","urlAction":{"Url":")" + url + R"(","Title":")" +
-               title + R"(","Type":")" + type + R"("}})";
-    }
-
-    View view{engine, {320, 240}};
 };
 
 std::string consoleMessage(const std::string& level, const std::string& message) {
@@ -46,7 +36,6 @@ std::string consoleMessage(const std::string& level, const std::string& message)
 }
 
 const std::string focusedText = R"({"type":"zarvik.webview.focusedInputFieldChanged","value":"TEXT"})";
-const std::string focusedNone = R"({"type":"zarvik.webview.focusedInputFieldChanged","value":"NONE"})";
 
 }  // namespace
 
@@ -54,7 +43,8 @@ TEST_F(PageMessagesTest, MessagesArriveUnchangedAndInOrder) {
     server.page("/page", R"(<script>_zarvikBridge.postMessage('before the agent')</script>)");
     load(view, server.url("/page"));
     EXPECT_TRUE(waitForPageMessage("before the agent"));
-    EXPECT_TRUE(waitForPageMessage(agentUrlChanged(server.url("/page"), "", "LOAD")));
+    EXPECT_TRUE(waitForPageMessage(R"({"type":"zarvik.webview.urlChanged","urlAction":{"Url":")" +
+                                   server.url("/page") + R"(","Title":"","Type":"LOAD"}})"));
     const auto from = recorder().position();
     evaluate(R"(zarvik.postMessage('plain "text" ü 😀 \n'); zarvik.postMessage({ a: 1, b: ['x'] });
                 zarvik.postMessage('zarvik.webview.uwp.iframesNeedBrowserAgent');
@@ -65,37 +55,17 @@ TEST_F(PageMessagesTest, MessagesArriveUnchangedAndInOrder) {
                                         "x zarvik.webview.uwp.iframesNeedBrowserAgent"}));
 }
 
-TEST_F(PageMessagesTest, TheAgentReportsUrlsAndTitles) {
-    const auto url = server.url("/page");
-    server.page("/page", "<title>first</title>");
-    load(view, url);
-    EXPECT_TRUE(waitForPageMessage(agentUrlChanged(url, "first", "LOAD")));
-    EXPECT_TRUE(waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"first"})"));
-    auto from = recorder().position();
-    evaluate("history.pushState(null, '', '/pushed'); history.replaceState(null, '', '/replaced')");
-    EXPECT_EQ(pageMessagesSince(from),
-              (std::vector<std::string>{agentUrlChanged(server.url("/pushed"), "first", "PUSH_STATE"),
-                                        agentUrlChanged(server.url("/replaced"), "first", "REPLACE_STATE")}));
-    from = recorder().position();
-    evaluate("document.title = 'second \"quoted\"'; location.hash = 'a'");
-    EXPECT_TRUE(waitForPageMessage(
-        agentUrlChanged(server.url("/replaced#a"), R"(second \"quoted\")", "HASH_CHANGE"), from));
-    EXPECT_TRUE(
-        waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"second \"quoted\""})", from));
-}
-
 TEST_F(PageMessagesTest, ConsoleMessagesAreReportedWhileEnabled) {
     const std::string page = "<script>addEventListener('zarvikready', () => console.warn('ready'))</script>";
     loadHtml(view, page);
     auto from = recorder().position();
     evaluate("console.log('off')");
     plugin().WebView_setConsoleMessageEventsEnabled(view.handle(), 1);
-    evaluate("console.log('a', {b: 1}, null, undefined); console.error(new Error('e')); console.info('i')");
+    evaluate("console.log('a', {b: 1}, null, undefined)");
     plugin().WebView_setConsoleMessageEventsEnabled(view.handle(), 0);
     evaluate("console.log('off again')");
     EXPECT_EQ(pageMessagesSince(from),
-              (std::vector<std::string>{consoleMessage("LOG", R"(a, {\"b\":1}, null, )"),
-                                        consoleMessage("ERROR", "Error: e"), consoleMessage("LOG", "i")}));
+              std::vector<std::string>{consoleMessage("LOG", R"(a, {\"b\":1}, null, )")});
 
     plugin().WebView_setConsoleMessageEventsEnabled(view.handle(), 1);
     from = recorder().position();
@@ -104,47 +74,17 @@ TEST_F(PageMessagesTest, ConsoleMessagesAreReportedWhileEnabled) {
 }
 
 TEST_F(PageMessagesTest, FocusedInputFieldsAreReportedOnceEnabled) {
-    const std::string page = "<input id=text><input id=box type=checkbox><div id=edit contenteditable>";
+    const std::string page = "<input id=text>";
     loadHtml(view, page);
     auto from = recorder().position();
     plugin().WebView_setFocusedInputFieldEventsEnabled(view.handle(), 1);
     evaluate("document.getElementById('text').focus()");
     EXPECT_TRUE(waitForPageMessage(focusedText, from));
-    evaluate("document.getElementById('box').focus()");
-    EXPECT_TRUE(waitForPageMessage(focusedNone, from));
-    from = recorder().position();
-    evaluate("document.getElementById('edit').focus()");
-    EXPECT_TRUE(waitForPageMessage(focusedText, from));
-
     // The flag counts for later pages as well.
     loadHtml(view, page);
     from = recorder().position();
     evaluate("document.getElementById('text').focus()");
     EXPECT_TRUE(waitForPageMessage(focusedText, from));
-}
-
-TEST_F(PageMessagesTest, FramesCannotSendMessagesOfThePage) {
-    server.page("/frame", R"(<script>
-        let answer = 'kept out';
-        for (const forge of [() => _zarvikBridge.postMessage('forged'),
-                             () => parent._zarvikBridge.postMessage('forged'),
-                             () => { for (const name in webkit.messageHandlers) {
-                                         webkit.messageHandlers[name].postMessage('forged'); }
-                                     webkit.messageHandlers.navigation.postMessage('loaded'); },
-                             () => { const original = dispatchEvent;
-                                     parent.document.dispatchEvent(new CustomEvent('x')); }]) {
-            try { forge(); answer = 'reached the bridge'; } catch (error) {}
-        }
-        parent.postMessage(answer, '*');
-    </script>)");
-    server.page("/page", "<script>onmessage = (event) => document.title = event.data</script><iframe src='" +
-                             server.otherOriginUrl("/frame") + "'></iframe>");
-    const auto from = recorder().position();
-    load(view, server.url("/page"));
-    EXPECT_TRUE(waitForPageMessage(R"({"type":"zarvik.webview.titleChanged","value":"kept out"})", from));
-    for (const auto& message : pageMessagesSince(from)) {
-        EXPECT_EQ(message.find("forged"), std::string::npos);
-    }
 }
 
 TEST_F(PageMessagesTest, FramesOfTheSameOriginAreGivenTheAgent) {

@@ -1,10 +1,9 @@
 #include "PageTest.h"
 
+#include <winrt/ZarvikWebViewRuntimeComponent.h>
+
 #include <iomanip>
 #include <thread>
-
-#include "element_tree.h"
-#include "web_view.h"
 
 using namespace std::chrono_literals;
 using winrt::hstring;
@@ -13,17 +12,6 @@ using winrt::Windows::Foundation::Uri;
 namespace {
 
 constexpr auto patience = 30s;
-
-winrt::fire_and_forget settle(winrt::Windows::Foundation::IAsyncOperation<hstring> operation,
-                              std::function<void(std::wstring, winrt::hresult)> end) {
-    try {
-        auto const text = co_await operation;
-        EXPECT_TRUE(runtime::ui_thread::is_current());
-        end(std::wstring(text), S_OK);
-    } catch (winrt::hresult_error const& error) {
-        end(std::wstring(error.message()), error.code());
-    }
-}
 
 }  // namespace
 
@@ -109,9 +97,15 @@ std::future<Answer> PageTest::startCall(WebView const& view, std::wstring const&
                                         std::wstring const& argument) {
     auto const answer = std::make_shared<std::promise<Answer>>();
     onUIThread([&] {
-        settle(
-            view.InvokeScriptAsync(function, {hstring(argument)}),
-            [answer](std::wstring text, winrt::hresult code) { answer->set_value({std::move(text), code}); });
+        [](auto operation, auto answer) -> winrt::fire_and_forget {
+            try {
+                auto const text = co_await operation;
+                EXPECT_TRUE(runtime::ui_thread::is_current());
+                answer->set_value({std::wstring(text), S_OK});
+            } catch (winrt::hresult_error const& error) {
+                answer->set_value({std::wstring(error.message()), error.code()});
+            }
+        }(view.InvokeScriptAsync(function, {hstring(argument)}), answer);
     });
     return answer->get_future();
 }
@@ -124,8 +118,16 @@ Answer PageTest::wait(std::future<Answer>& answer) {
     return answer.get();
 }
 
-void PageTest::killPageProcess(WebView const& view) {
+std::shared_ptr<PageTest::Texts> PageTest::addBridges(WebView const& view) {
+    auto messages = std::make_shared<Texts>();
     onUIThread([&] {
-        webkit_web_view_terminate_web_process(runtime::object_of<runtime::web_view_object>(view).view());
+        view.NavigationStarting([messages, navigation = 0](auto const& sender, auto const&) mutable {
+            winrt::ZarvikWebViewRuntimeComponent::JavaScriptBridge const bridge;
+            bridge.MessageEmitted([messages, number = ++navigation](hstring const& message) {
+                messages->push_back(std::to_string(number) + ":" + winrt::to_string(message));
+            });
+            sender.AddWebAllowedObject(L"bridge", bridge);
+        });
     });
+    return messages;
 }

@@ -25,7 +25,6 @@ void PrintTo(Answer const& answer, std::ostream* stream);
 class PageTest : public testing::Test {
   protected:
     using WebView = winrt::Windows::UI::Xaml::Controls::WebView;
-    using Operation = winrt::Windows::Foundation::IAsyncOperation<winrt::hstring>;
 
     /// What failed calls give, beside the codes of the platform's headers.
     static constexpr winrt::hresult scriptThrew = static_cast<HRESULT>(0x80020101U);
@@ -57,8 +56,10 @@ class PageTest : public testing::Test {
                                          std::wstring const& argument);
     static Answer wait(std::future<Answer>& answer);
 
-    /// Ends the process of a view's page.
-    static void killPageProcess(WebView const& view);
+    using Texts = std::vector<std::string>;
+    /// Gives every page of a view an object `bridge`. What pages send is collected, each message behind the
+    /// number of the navigation whose object got it.
+    static std::shared_ptr<Texts> addBridges(WebView const& view);
 
     /// A script that replaces all functions of the built-in types.
     static char const* const hostileScript;

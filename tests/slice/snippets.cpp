@@ -53,6 +53,11 @@ void handles(const xaml::DependencyObject& object) {
 #else
     panel = object.try_as<controls::Panel>();
 #endif
+#ifdef refused_handle_on_the_heap
+    const auto& kept = *new controls::Panel(panel);
+#else
+    const auto& kept = panel;
+#endif
 #ifdef refused_handle_becomes_bool
     const bool exists = panel;
 #else

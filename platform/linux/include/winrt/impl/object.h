@@ -29,6 +29,7 @@ namespace winrt::Windows::Foundation {
 /// The base of every handle: a reference to a runtime object, or null. Handles copy the class inheritance of
 /// the runtime types, so a derived handle converts to its base and all of them compare by identity.
 struct IInspectable {
+    void* operator new(size_t) = delete;
     IInspectable(std::nullptr_t = nullptr) noexcept {}
     explicit IInspectable(std::shared_ptr<impl::object> implementation) noexcept
         : implementation(std::move(implementation)) {}
