@@ -51,8 +51,8 @@ using runtime::implementation_of;
 using runtime::request_object;
 
 HttpMethod HttpMethod::Get() {
-    static HttpMethod const& method = *new HttpMethod(std::make_shared<impl::object>());
-    return method;
+    static auto const& method = *new std::shared_ptr<impl::object>(std::make_shared<impl::object>());
+    return HttpMethod(method);
 }
 
 HttpRequestMessage::HttpRequestMessage(HttpMethod const& method, Foundation::Uri const& uri)
