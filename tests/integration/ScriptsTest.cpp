@@ -12,9 +12,7 @@ const std::string noResult =
     "IWebView.LoadProgressChanged to detect when the page has finished loading. For more info, please check "
     "the Unity player logs.";
 
-class ScriptsTest : public ViewTest {
-  protected:
-};
+class ScriptsTest : public ViewTest {};
 
 }  // namespace
 
