@@ -284,7 +284,8 @@ std::string Step::text() const {
         static const std::map<Action, std::string> names{
             {Action::turn, "takeTurn"},         {Action::render, "render"},
             {Action::wait, "sleep_ms"},         {Action::waitForLoad, "waitForLoad"},
-            {Action::failDevice, "failDevice"}, {Action::mendDevice, "mendDevice"}};
+            {Action::failDevice, "failDevice"}, {Action::mendDevice, "mendDevice"},
+            {Action::killPage, "killPage"}};
         return names.at(action) + "(" + joined + ");";
     }
     const char* const prefix = where == Where::here         ? ""
