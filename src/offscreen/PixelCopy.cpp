@@ -30,7 +30,7 @@ void copyToTexture(const PixelView& source, std::uint8_t* texture, std::uint32_t
     // The pitch is in bytes and the width in pixels; a driver that reports the one as the other, or nothing,
     // has no padding.
     const bool mistaken = rowPitch == textureWidth || rowPitch == 0;
-    // In one piece a large picture goes past the processor's cache, which makes it cheaper.
+    // Without padding on either side, one copy does.
     const bool sameSize =
         std::cmp_equal(source.width, textureWidth) && std::cmp_equal(source.height, textureHeight);
     const bool alike = sameSize && rowPitch == textureWidth * bytesPerPixel;
