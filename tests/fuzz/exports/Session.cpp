@@ -41,7 +41,7 @@ bool isConnected(pid_t process) {
 }  // namespace
 
 Session* Session::current = nullptr;
-thread_local Session::Lane Session::ownLane = Session::Lane::scripting;
+thread_local Session::Lane Session::ownLane = Session::scriptingLane;
 thread_local int Session::ownView = -1;
 int Session::something = 0;
 
@@ -91,9 +91,9 @@ void Session::play(const std::vector<Step>& steps) {
     std::vector<std::thread> threads;
     const auto startAside = [&] {
         if (!aside.empty()) {
-            threads.emplace_back([this, steps = std::exchange(aside, {})] {
+            threads.emplace_back([this, lane = threads.size() + 1, steps = std::exchange(aside, {})] {
                 for (const Step& step : steps) {
-                    run(step, Lane::other);
+                    run(step, lane);
                 }
             });
         }
@@ -108,7 +108,7 @@ void Session::play(const std::vector<Step>& steps) {
             const std::scoped_lock lock(mutex);
             forCallbacks.push_back(step);
         } else {
-            run(step, Lane::scripting);
+            run(step, scriptingLane);
         }
     }
     startAside();
@@ -154,7 +154,7 @@ void Session::call(const Step& step, Lane lane) {
 
 /// Once for each callback, and not inside itself: what is called there may call back at once.
 void Session::callInCallback() {
-    if (ownLane == Lane::callback) {
+    if (ownLane == callbackLane) {
         return;
     }
     Step next;
@@ -166,7 +166,7 @@ void Session::callInCallback() {
         next = std::move(forCallbacks.front());
         forCallbacks.pop_front();
     }
-    call(next, Lane::callback);
+    call(next, callbackLane);
 }
 
 void Session::waitForLoad(int view) {
@@ -377,7 +377,7 @@ void Session::onScriptResult(std::string_view target, std::string_view payload) 
     require(found != questions.end(), "only what was asked is answered", std::string(payload.substr(0, 100)));
     Question& question = found->second;
     require(++question.answers == 1, "a script is answered once", std::string(payload.substr(0, 100)));
-    if (question.lane != Lane::callback) {
+    if (question.lane != callbackLane) {
         const auto number = std::stoll(std::string(id.substr(id.find('.') + 1)));
         auto& last = lastAnswers.try_emplace({std::string(target), question.lane}, -1).first->second;
         require(number > last, "scripts are answered in their order",

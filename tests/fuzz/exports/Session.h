@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -69,8 +70,11 @@ class Session {
     void keep(const Step& step, ZarvikRenderFunction function);
 
   private:
-    /// Which of the engine's threads asks. Answers are in order only for each of them.
-    enum class Lane { scripting, other, callback };
+    /// Which of the engine's threads asks: of those beside the scripting thread, each has a number of its
+    /// own. Answers are in order only for each of them.
+    using Lane = std::size_t;
+    static constexpr Lane scriptingLane = 0;
+    static constexpr Lane callbackLane = std::numeric_limits<Lane>::max();
 
     struct View {
         UwpWebView* handle = nullptr;
@@ -84,7 +88,7 @@ class Session {
     };
     struct Question {
         int view = -1;  // that was there when it was asked; -1: none
-        Lane lane = Lane::scripting;
+        Lane lane = scriptingLane;
         bool mustBeAnswered = false;
         int answers = 0;
     };
