@@ -151,6 +151,8 @@ if [ -n "$print" ]; then
     print_sequence "$print"
     exit
 fi
+# GLib's own allocator hides from the sanitizers what becomes of its small objects.
+export G_SLICE=always-malloc
 start_display
 if [ -n "$minimize" ]; then
     minimize "${targets[0]}"
