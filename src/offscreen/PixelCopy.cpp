@@ -1,9 +1,37 @@
 #include "offscreen/PixelCopy.h"
 
 #include <algorithm>
+#include <atomic>
+#include <cstring>
 #include <utility>
 
 namespace {
+
+/// A texture of more bytes than this, of 4K for example, is written past the caches that all processors
+/// share: it would drive out of them what the page is painted with. A smaller one stays there until the
+/// engine reads it.
+constexpr std::size_t mostCachedBytes = std::size_t{16} << 20;
+
+void copyPastCaches(std::span<const std::uint8_t> source, std::uint8_t* target) {
+#if __has_builtin(__builtin_nontemporal_store)
+    using Block = std::uint8_t __attribute__((vector_size(16)));
+    const std::size_t beyondBlock = reinterpret_cast<std::uintptr_t>(target) % sizeof(Block);
+    const std::size_t head = std::min(beyondBlock == 0 ? 0 : sizeof(Block) - beyondBlock, source.size());
+    std::memcpy(target, source.data(), head);
+    source = source.subspan(head);
+    target += head;
+    for (; source.size() >= sizeof(Block); source = source.subspan(sizeof(Block)), target += sizeof(Block)) {
+        Block block;
+        std::memcpy(&block, source.data(), sizeof(Block));
+        __builtin_nontemporal_store(block, reinterpret_cast<Block*>(target));
+    }
+    // Such writes keep no order with the others of their thread.
+    std::atomic_thread_fence(std::memory_order_seq_cst);
+#endif
+    if (!source.empty()) {
+        std::memcpy(target, source.data(), source.size());
+    }
+}
 
 /// Calls copyRow(row, bytes) for the rows that both the source and a target of this size have, with the bytes
 /// that exist of each.
@@ -34,14 +62,21 @@ void copyToTexture(const PixelView& source, std::uint8_t* texture, std::uint32_t
     const bool sameSize =
         std::cmp_equal(source.width, textureWidth) && std::cmp_equal(source.height, textureHeight);
     const bool alike = sameSize && rowPitch == textureWidth * bytesPerPixel;
+    const auto copy = [pastCaches = textureBytes > mostCachedBytes](std::span<const std::uint8_t> bytes,
+                                                                    std::uint8_t* target) {
+        if (pastCaches) {
+            copyPastCaches(bytes, target);
+        } else {
+            std::ranges::copy(bytes, target);
+        }
+    };
     if ((mistaken || alike) && source.bytes.size() == textureBytes) {
-        std::ranges::copy(source.bytes, texture);
+        copy(source.bytes, texture);
         return;
     }
-    forEachRow(source, textureWidth, textureHeight,
-               [&](std::size_t row, std::span<const std::uint8_t> bytes) {
-                   std::ranges::copy(bytes, texture + row * rowPitch);
-               });
+    forEachRow(
+        source, textureWidth, textureHeight,
+        [&](std::size_t row, std::span<const std::uint8_t> bytes) { copy(bytes, texture + row * rowPitch); });
 }
 
 std::vector<std::uint8_t> fitPixels(const PixelView& source, std::int32_t width, std::int32_t height,

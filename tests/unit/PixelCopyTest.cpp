@@ -106,6 +106,28 @@ TEST(PixelCopyTest, EveryPictureFitsEveryTexture) {
     }
 }
 
+// A picture of this size goes past the caches, in blocks that begin and end anywhere in its rows.
+TEST(PixelCopyTest, LargePicturesArriveWhole) {
+    constexpr std::uint32_t width = 4099;
+    constexpr std::uint32_t height = 1031;
+    constexpr std::uint32_t rowBytes = width * bytesPerPixel;
+    const auto picture = makePicture(std::size_t{rowBytes} * height);
+    for (const std::uint32_t pitch : {rowBytes, rowBytes + 1, rowBytes + 20}) {
+        GuardedBytes texture(std::size_t{height - 1} * pitch + rowBytes);
+        copyToTexture({width, height, picture}, texture.bytes().data(), pitch, width, height);
+        ASSERT_TRUE(texture.isIntact()) << "pitch " << pitch;
+        for (std::size_t row = 0; row < height; ++row) {
+            const auto written = texture.bytes().subspan(row * pitch);
+            ASSERT_TRUE(std::ranges::equal(written.first(rowBytes),
+                                           std::span(picture).subspan(row * rowBytes, rowBytes)))
+                << "pitch " << pitch << ", row " << row;
+            ASSERT_TRUE(row + 1 == height || std::ranges::all_of(written.subspan(rowBytes, pitch - rowBytes),
+                                                                 [](auto byte) { return byte == untouched; }))
+                << "pitch " << pitch << ", behind row " << row;
+        }
+    }
+}
+
 // A pitch that is the width in pixels, or none at all, means a texture without gaps.
 TEST(PixelCopyTest, PitchInPixelsMeansPackedRows) {
     for (const std::uint32_t pitch : {0U, 8U}) {
