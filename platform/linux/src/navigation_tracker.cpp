@@ -96,6 +96,7 @@ bool navigation_tracker::begin(std::string const& target) {
         return false;
     }
     state = phase::expected;
+    decided = false;
     uri = target;
     status = 0;
     redirected = false;
@@ -122,6 +123,7 @@ void navigation_tracker::expect_move_within_document() {
 
 void navigation_tracker::cancel() {
     if (state != phase::none) {
+        late_start = state == phase::expected && decided;
         complete(WebErrorStatus::OperationCanceled);
     }
 }
@@ -214,15 +216,23 @@ bool navigation_tracker::decide_navigation(WebKitNavigationAction* action) {
         target == announced && g_get_monotonic_time() - announced_at < announcement_lifetime_us;
     if (!from_document) {
         undecided = target;
+        note_decision();
         return true;
     }
     announced.clear();
     bool const replaces = state != phase::none;
     bool const allowed = begin(target);
+    note_decision();
     if (!allowed && replaces) {
         webkit_web_view_stop_loading(view);  // it was reported as cancelled
     }
     return allowed;
+}
+
+/// What the engine was allowed to load before, it has started by now.
+void navigation_tracker::note_decision() {
+    decided = true;
+    late_start = false;
 }
 
 bool navigation_tracker::decide_response(WebKitResponsePolicyDecision* decision) {
@@ -233,6 +243,9 @@ bool navigation_tracker::decide_response(WebKitResponsePolicyDecision* decision)
 }
 
 void navigation_tracker::start() {
+    if (std::exchange(late_start, false)) {
+        return;
+    }
     if (state == phase::expected) {
         state = phase::started;
         return;

@@ -70,6 +70,7 @@ class navigation_tracker {
     static void on_message(WebKitUserContentManager*, WebKitJavascriptResult* message, gpointer self);
 
     bool decide_navigation(WebKitNavigationAction* action);
+    void note_decision();
     bool decide_response(WebKitResponsePolicyDecision* decision);
     void handle_message(std::string const& message);
     void start();
@@ -88,6 +89,8 @@ class navigation_tracker {
     std::string announced;  // by the document, decision still to come
     std::string undecided;  // last decision that nothing announced
     int64_t announced_at = 0;
+    bool decided = false;     // the navigation under way, if it is expected
+    bool late_start = false;  // the engine may still tell that a cancelled navigation has started
     guint status = 0;
     bool redirected = false;
     bool content_loaded = false;

@@ -1,6 +1,7 @@
 #include "ui_thread.h"
 
 #include <gtk/gtk.h>
+#include <libsoup/soup.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -102,6 +103,9 @@ void ui_thread::require_current() {
 }
 
 void ui_thread::start() {
+    // Its list of domains comes with the first question, twice if two threads ask at once. The browser engine
+    // asks on this thread, cookies on any.
+    soup_tld_domain_is_public_suffix("com");
     source = make_queue_source(
         this, [](ui_thread* thread) { return thread->is_due(); },
         [](ui_thread* thread) { thread->run_queue(); });
