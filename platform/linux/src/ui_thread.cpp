@@ -103,8 +103,8 @@ void ui_thread::require_current() {
 }
 
 void ui_thread::start() {
-    // Its list of domains comes with the first question, twice if two threads ask at once. The browser engine
-    // asks on this thread, cookies on any.
+    // libsoup loads its list with the first question, and twice if two threads ask at once. The browser
+    // engine will ask on the thread that starts here, cookies ask on any.
     soup_tld_domain_is_public_suffix("com");
     source = make_queue_source(
         this, [](ui_thread* thread) { return thread->is_due(); },
